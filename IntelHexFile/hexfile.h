@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+/// Intel HEX text (INHX32) to and from images of the charger's memory. Plain functions on streams
+/// and buffers that the caller opens, owns and closes; all complaints go to standard output.
+namespace IntelHexFile
+{
+/// Size of a flash image in bytes; every buffer given to loadhexfile has it.
+constexpr std::uint32_t flashImageSize = 0x30000;
+/// Size of an EEPROM image in bytes.
+constexpr std::uint32_t eepromImageSize = 0x1000;
+
+/// Loads all records of file. Bytes at eepromStart up to but not including eepromEnd go to
+/// eepromBuffer, set *eepromSeen and raise *eepromTop; with both limits 0 everything is flash.
+/// Returns the image's top address, 0 on failure.
+std::uint32_t loadhexfile(unsigned char *flashBuffer, unsigned char *eepromBuffer, std::FILE *file,
+                          char *eepromSeen, std::uint32_t *eepromTop, std::uint32_t eepromStart,
+                          std::uint32_t eepromEnd);
+
+/// Writes the rows of data that are not wholly filler (words of fillerSize bytes, most significant
+/// byte first), without the end record. data must hold size bytes rounded down to whole rows plus
+/// one row. Returns 0, or 1 when a number cannot be formatted.
+int makenewhexfile(const unsigned char *data, std::uint32_t size, std::FILE *file,
+                   std::uint32_t filler, std::uint32_t fillerSize, std::uint32_t rowSize,
+                   std::uint32_t lineStep, std::uint32_t baseAddress);
+
+} // namespace IntelHexFile
