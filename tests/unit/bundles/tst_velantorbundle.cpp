@@ -1,0 +1,630 @@
+#include "bundles/velantorbundle.h"
+
+#include "support/workingdirectory.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QRegExp>
+#include <QTest>
+#include <QTextStream>
+
+namespace
+{
+QString operator""_s(const char *text, std::size_t size)
+{
+    return QString::fromUtf8(text, int(size));
+}
+
+const QByteArray endLine = "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
+
+QByteArray member(const QByteArray &name, const QByteArray &content)
+{
+    return "////// " + name + " //////\n" + content + endLine;
+}
+
+QByteArray header(const QByteArray &lines)
+{
+    return "...\n" + lines + "...\n";
+}
+
+const QByteArray tables = member("device_overwrite_profiles.txt", "overwrite\n") +
+                          member("device_keep_profiles.txt", "keep\n");
+
+QStringList filesHere()
+{
+    QStringList names = QDir().entryList(QDir::Files | QDir::Hidden);
+    names.removeOne("b.velantor"_s);
+    return names;
+}
+
+/// What unpacking means, word for word: members by name, through a text stream.
+QMap<QString, QByteArray> unpackedByTextStream(const QByteArray &bundle)
+{
+    QMap<QString, QByteArray> members;
+    QFile file("reference"_s);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bundle) != bundle.size())
+        qFatal("cannot write the bundle");
+    file.close();
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        qFatal("cannot read the bundle");
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    stream.setAutoDetectUnicode(false);
+    const QRegExp start("^//////.*//////$"_s);
+    const QRegExp end("\\\\\\\\\\\\\\s*END FILE\\s*\\\\\\\\\\\\"_s);
+    while (!stream.atEnd()) {
+        QString line = stream.readLine();
+        if (start.indexIn(line) < 0)
+            continue;
+        const QString name = line.remove("//////"_s).trimmed();
+        QString content;
+        line = stream.readLine();
+        while (!stream.atEnd() && end.indexIn(line) < 0) {
+            content += line + QLatin1Char('\n');
+            line = stream.readLine();
+        }
+        if (!name.isEmpty())
+            members.insert(name, content.toUtf8());
+    }
+    file.close();
+    file.remove();
+    return members;
+}
+} // namespace
+
+class VelantorBundleTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { folder.reset(new WorkingDirectory); }
+    void cleanup() { folder.reset(); }
+
+    void startLine_data();
+    void startLine();
+    void endLine_data();
+    void endLine();
+    void fileName_data();
+    void fileName();
+    void storesOnePair_data();
+    void storesOnePair();
+    void readsTheHeader_data();
+    void readsTheHeader();
+    void aLaterHeaderValueReplaces();
+    void anUnreadableFileKeepsTheValues();
+    void readsNothingBeforeItIsAsked();
+    void version_data();
+    void version();
+    void versionOfAFileInAFolder();
+
+    void unpacksEveryMember();
+    void remembersTheLastFirmwareImage();
+    void unpacks_data();
+    void unpacks();
+    void overwritesOlderFiles();
+    void unpacksAsATextStreamWould();
+    void aMissingBundleIsFalse();
+    void aMissingOverwriteTableIsFalseAfterUnpacking();
+    void anUnwritableMemberStopsNothing();
+    void selectsTheDeviceTable();
+    void aMissingDeviceTableLeavesNone();
+    void saveFile();
+    void saveFileFails();
+
+    void staysInTheWorkingDirectory_data();
+    void staysInTheWorkingDirectory();
+    void writesIntoAFolderThatExists();
+    void survivesItsOwnName();
+    void longLinesAreReadInReasonableTime();
+
+private:
+    void write(const QByteArray &content) { folder->write("b.velantor"_s, content); }
+
+    QScopedPointer<WorkingDirectory> folder;
+    VelantorBundle bundle{"b.velantor"_s};
+};
+
+void VelantorBundleTest::startLine_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("matches");
+    QTest::newRow("usual") << "////// master.ss //////"_s << true;
+    QTest::newRow("without blanks") << "//////master.ss//////"_s << true;
+    QTest::newRow("without a name") << "////////////"_s << true;
+    QTest::newRow("eleven slashes") << "///////////"_s << false;
+    QTest::newRow("thirteen slashes") << "/////////////"_s << true;
+    QTest::newRow("five slashes in front") << "///// master.ss //////"_s << false;
+    QTest::newRow("five slashes behind") << "////// master.ss /////"_s << false;
+    QTest::newRow("blank in front") << " ////// master.ss //////"_s << false;
+    QTest::newRow("blank behind") << "////// master.ss ////// "_s << false;
+    QTest::newRow("front alone") << "////// master.ss"_s << false;
+    QTest::newRow("nothing") << QString() << false;
+}
+
+void VelantorBundleTest::startLine()
+{
+    QFETCH(QString, line);
+    QTEST(bundle.matchesStartLine(line), "matches");
+    QCOMPARE(bundle.matchesStartLine(line), line.contains(QRegExp("^//////.*//////$"_s)));
+}
+
+void VelantorBundleTest::endLine_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("matches");
+    QTest::newRow("usual") << R"(\\\\\\ END FILE \\\\\\)" << true;
+    QTest::newRow("three backslashes") << R"(\\\ END FILE \\\)" << true;
+    QTest::newRow("two in front") << R"(\\ END FILE \\\)" << false;
+    QTest::newRow("two behind") << R"(\\\ END FILE \\)" << false;
+    QTest::newRow("without blanks") << R"(\\\END FILE\\\)" << true;
+    QTest::newRow("tabs and many blanks") << "\\\\\\ \t  END FILE \t \\\\\\" << true;
+    QTest::newRow("text around") << R"(before \\\ END FILE \\\ behind)" << true;
+    QTest::newRow("text before the words") << R"(\\\ x END FILE \\\)" << false;
+    QTest::newRow("two blanks in the words") << R"(\\\ END  FILE \\\)" << false;
+    QTest::newRow("small letters") << R"(\\\ end file \\\)" << false;
+    QTest::newRow("slashes") << "/// END FILE ///" << false;
+    QTest::newRow("wide blanks") << "\\\\\\\u00a0END FILE\u2003\\\\\\"_s << true;
+    QTest::newRow("nothing") << QString() << false;
+}
+
+void VelantorBundleTest::endLine()
+{
+    QFETCH(QString, line);
+    QTEST(bundle.matchesEndLine(line), "matches");
+}
+
+void VelantorBundleTest::fileName_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("firmware");
+    QTest::newRow("usual") << "////// master.ss //////"
+                           << "master.ss" << QString();
+    QTest::newRow("without blanks") << "//////master.ss//////"
+                                    << "master.ss" << QString();
+    QTest::newRow("firmware") << "////// v1.039.hex //////"
+                              << "v1.039.hex"
+                              << "v1.039.hex";
+    QTest::newRow("firmware in capitals") << "////// V1.HEX //////"
+                                          << "V1.HEX"
+                                          << "V1.HEX";
+    QTest::newRow("mixed letters") << "////// v1.Hex //////"
+                                   << "v1.Hex" << QString();
+    QTest::newRow("extension alone") << "////// .hex //////"
+                                     << ".hex"
+                                     << ".hex";
+    QTest::newRow("extension inside") << "////// v1.hex.txt //////"
+                                      << "v1.hex.txt" << QString();
+    QTest::newRow("no dot") << "////// vhex //////"
+                            << "vhex" << QString();
+    QTest::newRow("inner blanks stay") << "////// a b.txt //////"
+                                       << "a b.txt" << QString();
+    QTest::newRow("marks inside go") << "////// a//////b //////"
+                                     << "ab" << QString();
+    QTest::newRow("no name") << "////////////" << QString() << QString();
+}
+
+void VelantorBundleTest::fileName()
+{
+    QFETCH(QString, line);
+    VelantorBundle fresh("b.velantor"_s);
+    QTEST(fresh.parseFileName(line), "name");
+    QTEST(fresh.getHexFileName(), "firmware");
+}
+
+void VelantorBundleTest::storesOnePair_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("blanks") << "  A  =  1  "
+                            << "A"
+                            << "1";
+    QTest::newRow("no value") << "A ="
+                              << "A"
+                              << "before";
+    QTest::newRow("blank value replaces") << "A = "
+                                          << "A"
+                                          << "";
+    QTest::newRow("no key") << "= 1"
+                            << ""
+                            << "";
+    QTest::newRow("blank key") << " = 1"
+                               << ""
+                               << "1";
+    QTest::newRow("three parts") << "A = B = C"
+                                 << "A"
+                                 << "before";
+    QTest::newRow("empty parts are no parts") << "A == 2"
+                                              << "A"
+                                              << "2";
+    QTest::newRow("any characters") << "my key = a-b"
+                                    << "my key"
+                                    << "a-b";
+}
+
+void VelantorBundleTest::storesOnePair()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, key);
+    VelantorBundle fresh("b.velantor"_s);
+    fresh.extractAndStoreKeyValuePair("A=before"_s);
+    fresh.extractAndStoreKeyValuePair(line);
+    QTEST(fresh.valueFromKey(key), "value");
+}
+
+void VelantorBundleTest::readsTheHeader_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    const QString version = "VERSION"_s;
+    QTest::newRow("blanks") << header("VERSION = 1.039\n") << version << "1.039";
+    QTest::newRow("no blanks") << header("VERSION=1.039\n") << version << "1.039";
+    QTest::newRow("many blanks") << header(" \tVERSION\t = 1.039 \t\n") << version << "1.039";
+    QTest::newRow("Windows line ends")
+        << QByteArray("...\r\nVERSION = 1.039\r\n...\r\n") << version << "1.039";
+    QTest::newRow("unknown key") << header("VERSION = 1.039\n") << "NOPE"
+                                 << "";
+    QTest::newRow("second key") << header(
+                                       "VERSION = 1.039\nMIN_SOFTWARE_VERSION_REQUIRED = 1.100\n")
+                                << "MIN_SOFTWARE_VERSION_REQUIRED"
+                                << "1.100";
+    QTest::newRow("trailing blank in the first line")
+        << QByteArray("... \nVERSION = 1.039\n...\n") << version << "";
+    QTest::newRow("leading blank in the first line")
+        << QByteArray(" ...\nVERSION = 1.039\n...\n") << version << "";
+    QTest::newRow("four full stops") << QByteArray("....\nVERSION = 1\n...\n") << version << "";
+    QTest::newRow("not in the first line") << "\n" + header("VERSION = 1.039\n") << version << "";
+    QTest::newRow("empty file") << QByteArray() << version << "";
+    QTest::newRow("byte order mark") << "\xef\xbb\xbf" + header("VERSION = 2\n") << version << "2";
+    QTest::newRow("header alone, no line end")
+        << QByteArray("...\nVERSION = 1.039") << version << "1.039";
+    QTest::newRow("two equals signs") << header("A = B = C\nVERSION = 1\n") << "A"
+                                      << "";
+    QTest::newRow("line behind a bad line") << header("A = B = C\nVERSION = 1\n") << version << "1";
+    QTest::newRow("no value") << header("A =\nVERSION = 1\n") << "A"
+                              << "";
+    QTest::newRow("dash in the value") << header("VERSION = 1-2\n") << version << "";
+    QTest::newRow("two words in the value") << header("VERSION = 1 2\n") << version << "";
+    QTest::newRow("two words in the key") << header("THE VERSION = 1\n") << "THE VERSION"
+                                          << "";
+    QTest::newRow("underscore and full stop") << header("a_1.b = c_2.d\n") << "a_1.b"
+                                              << "c_2.d";
+    QTest::newRow("letters beyond ASCII") << header("GR\xc3\x96SSE = 1\n") << "GR\u00d6SSE"_s
+                                          << "1";
+    QTest::newRow("behind the end") << header("A = 1\n") + "VERSION = 2\n" << version << "";
+    QTest::newRow("end with a trailing blank is none")
+        << QByteArray("...\nA = 1\n... \nVERSION = 2\n") << version << "2";
+    QTest::newRow("no end: member lines count")
+        << "...\nVERSION = 1\n" + member("x.txt", "inner = 7\n") << "inner"
+        << "7";
+}
+
+void VelantorBundleTest::readsTheHeader()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, key);
+    write(content);
+    VelantorBundle fresh("b.velantor"_s);
+    fresh.parseKeyValuePairs();
+    QTEST(fresh.valueFromKey(key), "value");
+    QVERIFY(filesHere().isEmpty());
+}
+
+void VelantorBundleTest::aLaterHeaderValueReplaces()
+{
+    write(header("VERSION = 1\nVERSION = 2\n"));
+    VelantorBundle fresh("b.velantor"_s);
+    fresh.parseKeyValuePairs();
+    QCOMPARE(fresh.valueFromKey("VERSION"_s), "2"_s);
+}
+
+void VelantorBundleTest::anUnreadableFileKeepsTheValues()
+{
+    VelantorBundle fresh("b.velantor"_s);
+    fresh.extractAndStoreKeyValuePair("A = 1"_s);
+    fresh.parseKeyValuePairs();
+    QCOMPARE(fresh.valueFromKey("A"_s), "1"_s);
+}
+
+void VelantorBundleTest::readsNothingBeforeItIsAsked()
+{
+    write(header("VERSION = 1\n") + member("v1.hex", ":00000001FF\n"));
+    VelantorBundle fresh("b.velantor"_s);
+    QCOMPARE(fresh.valueFromKey("VERSION"_s), QString());
+    QCOMPARE(fresh.getHexFileName(), ""_s);
+    QVERIFY(filesHere().isEmpty());
+}
+
+void VelantorBundleTest::version_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("version");
+    QTest::newRow("header first") << "v2.velantor" << header("VERSION = 1.039\n") << "1.039";
+    QTest::newRow("name") << "v1.039.velantor" << QByteArray("x\n") << "1.039";
+    QTest::newRow("name of one number") << "v2.velantor" << QByteArray() << "2";
+    QTest::newRow("name without a number") << "notes.velantor" << QByteArray() << "0";
+    QTest::newRow("invalid header text") << "v2.velantor" << header("VERSION = 1.0rc\n") << "1.0rc";
+    QTest::newRow("header without the key") << "v2.velantor" << header("A = 1\n") << "2";
+    QTest::newRow("empty version") << "v2.5.velantor" << header("VERSION = \n") << "2.5";
+    QTest::newRow("text behind the number") << "v1.2-beta.velantor" << QByteArray() << "1.2";
+    QTest::newRow("first of two numbers") << "3 of 4.5.velantor" << QByteArray() << "3";
+    QTest::newRow("number behind the extension") << "a.velantor2" << QByteArray() << "0";
+    QTest::newRow("number at once") << "1.2.3.velantor" << QByteArray() << "1.2.3";
+}
+
+void VelantorBundleTest::version()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, content);
+    folder->write(name, content);
+    QTEST(VelantorBundle::getBundleVersion(name), "version");
+}
+
+void VelantorBundleTest::versionOfAFileInAFolder()
+{
+    QVERIFY(QDir().mkdir("7.7"_s));
+    folder->write("7.7/notes.velantor"_s, QByteArray());
+    QCOMPARE(VelantorBundle::getBundleVersion("7.7/notes.velantor"_s), "0"_s);
+    QCOMPARE(VelantorBundle::getBundleVersion(folder->path() + "/v3.4.velantor"_s), "3.4"_s);
+}
+
+void VelantorBundleTest::unpacksEveryMember()
+{
+    write(header("VERSION = 1.039\nMIN_SOFTWARE_VERSION_REQUIRED = 1.100\n") + "between\n" +
+          tables + member("master.ss", "#define X 1\n\n  y\t \n") + "nobody reads this\n" +
+          member("v1.039.hex", ":00000001FF\n; note\n") + member("checksums", "not implemented\n"));
+    VelantorBundle fresh(folder->path() + "/b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(filesHere(),
+             (QStringList{"checksums"_s, "device.txt"_s, "device_keep_profiles.txt"_s,
+                          "device_overwrite_profiles.txt"_s, "master.ss"_s, "v1.039.hex"_s}));
+    QCOMPARE(folder->read("master.ss"_s), QByteArray("#define X 1\n\n  y\t \n"));
+    QCOMPARE(folder->read("v1.039.hex"_s), QByteArray(":00000001FF\n; note\n"));
+    QCOMPARE(folder->read("checksums"_s), QByteArray("not implemented\n"));
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("overwrite\n"));
+    QCOMPARE(fresh.getHexFileName(), "v1.039.hex"_s);
+    QCOMPARE(fresh.valueFromKey("VERSION"_s), "1.039"_s);
+    QCOMPARE(fresh.valueFromKey("MIN_SOFTWARE_VERSION_REQUIRED"_s), "1.100"_s);
+}
+
+void VelantorBundleTest::remembersTheLastFirmwareImage()
+{
+    write(tables + member("a.hex", "1\n") + member("b.HEX", "2\n") + member("c.txt", "3\n"));
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(fresh.getHexFileName(), "b.HEX"_s);
+}
+
+void VelantorBundleTest::unpacks_data()
+{
+    QTest::addColumn<QByteArray>("member");
+    QTest::addColumn<QByteArray>("content");
+    const QByteArray start = "////// x.txt //////\n";
+    QTest::newRow("empty") << start + ::endLine << QByteArray();
+    QTest::newRow("end line is the last of the file, without a line end")
+        << start + "a\n" + ::endLine.chopped(1) << QByteArray("a\n");
+    QTest::newRow("end line with text around") << start + "a\nsee \\\\\\END FILE\\\\\\ here\nb\n"
+                                               << QByteArray("a\n");
+    QTest::newRow("a start line inside is content")
+        << start + "a\n////// y.txt //////\nb\n" + ::endLine
+        << QByteArray("a\n////// y.txt //////\nb\n");
+    QTest::newRow("end of file: the line read last is lost") << start + "a\nb\nc\n"
+                                                             << QByteArray("a\nb\n");
+    QTest::newRow("end of file without a line end") << start + "a\nb" << QByteArray("a\n");
+    QTest::newRow("end of file behind one line") << start + "a\n" << QByteArray();
+    QTest::newRow("end of file behind the start line") << start << QByteArray();
+    QTest::newRow("Windows line ends") << start + "a\r\nb\r\n" + ::endLine << QByteArray("a\nb\n");
+    QTest::newRow("lone carriage returns") << start + "a\rb\n" + ::endLine << QByteArray("ab\n");
+    QTest::newRow("words of the end alone")
+        << start + "END FILE\n" + ::endLine << QByteArray("END FILE\n");
+    QTest::newRow("degree sign") << start +
+                                        "20 \xc2\xb0"
+                                        "C\n" +
+                                        ::endLine
+                                 << QByteArray("20 \xc2\xb0"
+                                               "C\n");
+    QTest::newRow("no UTF-8") << start + "20 \xb0\xff\xfe\n" + ::endLine
+                              << QByteArray("20 \xb0\xff\xfe\n");
+    QTest::newRow("zero byte") << start + QByteArray("a\0b\n", 4) + ::endLine
+                               << QByteArray("a\0b\n", 4);
+    QTest::newRow("the later of one name")
+        << start + "first\n" + ::endLine + start + "second\n" + ::endLine << QByteArray("second\n");
+}
+
+void VelantorBundleTest::unpacks()
+{
+    QFETCH(QByteArray, member);
+    write(tables + member);
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QVERIFY(filesHere().contains("x.txt"_s));
+    QTEST(folder->read("x.txt"_s), "content");
+    QVERIFY(!filesHere().contains("y.txt"_s));
+}
+
+void VelantorBundleTest::overwritesOlderFiles()
+{
+    folder->write("x.txt"_s, "older and longer\n");
+    folder->write("device.txt"_s, "older\n");
+    write(tables + member("x.txt", "new\n"));
+    QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(folder->read("x.txt"_s), QByteArray("new\n"));
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("overwrite\n"));
+}
+
+void VelantorBundleTest::unpacksAsATextStreamWould()
+{
+    const QList<QByteArray> pieces{"\n",
+                                   "\n",
+                                   "\n",
+                                   "\r\n",
+                                   "\r",
+                                   "////// m1 //////\n",
+                                   "////// m2 //////\n",
+                                   "//////m3//////\r\n",
+                                   "//////",
+                                   ::endLine,
+                                   "\\\\\\",
+                                   "END FILE",
+                                   "\\\\\\ END FILE \\\\\\",
+                                   " ",
+                                   "\t",
+                                   "...",
+                                   "a = b",
+                                   "text",
+                                   "\xc2\xb0",
+                                   "\xc2\xa0",
+                                   "\xe2\x80\x83"};
+    QRandomGenerator random(1039);
+    for (int round = 0; round < 400; ++round) {
+        QByteArray content;
+        for (int i = random.bounded(40); i > 0; --i)
+            content += pieces.at(random.bounded(pieces.size()));
+        // A carriage return without a line behind it: no file ends so, and the two differ on it.
+        while (content.endsWith('\r'))
+            content.chop(1);
+        for (const QString &name : filesHere())
+            QFile::remove(name);
+        const QMap<QString, QByteArray> expected = unpackedByTextStream(content);
+        write(content);
+        VelantorBundle("b.velantor"_s).parseBundle();
+        for (auto it = expected.begin(); it != expected.end(); ++it)
+            QVERIFY2(folder->read(it.key()) == it.value(), content.toPercentEncoding(" /=\n"));
+        QCOMPARE(filesHere(), QStringList(expected.keys()));
+    }
+}
+
+void VelantorBundleTest::aMissingBundleIsFalse()
+{
+    folder->write("device.txt"_s, "older\n");
+    QVERIFY(!VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("older\n"));
+}
+
+void VelantorBundleTest::aMissingOverwriteTableIsFalseAfterUnpacking()
+{
+    folder->write("device.txt"_s, "older\n");
+    write(member("device_keep_profiles.txt", "keep\n") + member("x.txt", "x\n"));
+    QVERIFY(!VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(filesHere(), (QStringList{"device_keep_profiles.txt"_s, "x.txt"_s}));
+}
+
+void VelantorBundleTest::anUnwritableMemberStopsNothing()
+{
+    QVERIFY(QDir().mkdir("taken"_s));
+    write(member("taken", "x\n") + tables + member("later", "y\n"));
+    QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
+    QVERIFY(QFileInfo("taken"_s).isDir());
+    QCOMPARE(folder->read("later"_s), QByteArray("y\n"));
+}
+
+void VelantorBundleTest::selectsTheDeviceTable()
+{
+    write(tables);
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("overwrite\n"));
+    QVERIFY(fresh.allowOverwriteProfiles(false));
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("keep\n"));
+    QVERIFY(fresh.allowOverwriteProfiles(true));
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("overwrite\n"));
+}
+
+void VelantorBundleTest::aMissingDeviceTableLeavesNone()
+{
+    folder->write("device.txt"_s, "older\n");
+    folder->write("device_overwrite_profiles.txt"_s, "overwrite\n");
+    QVERIFY(!bundle.allowOverwriteProfiles(false));
+    QVERIFY(!QFile::exists("device.txt"_s));
+    QVERIFY(bundle.allowOverwriteProfiles(true));
+}
+
+void VelantorBundleTest::saveFile()
+{
+    folder->write("x.txt"_s, "older and longer\n");
+    QVERIFY(bundle.saveFile("20 \u00b0C\nb"_s, "x.txt"_s));
+    QCOMPARE(folder->read("x.txt"_s), QByteArray("20 \xc2\xb0"
+                                                 "C\nb"));
+}
+
+void VelantorBundleTest::saveFileFails()
+{
+    QVERIFY(!bundle.saveFile("x"_s, "missing/x.txt"_s));
+    QVERIFY(QDir().mkdir("taken"_s));
+    QVERIFY(!bundle.saveFile("x"_s, "taken"_s));
+}
+
+void VelantorBundleTest::staysInTheWorkingDirectory_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("parent") << QByteArray("../outside.hex");
+    QTest::newRow("parent of a folder") << QByteArray("inner/../../outside.hex");
+    QTest::newRow("parent of a folder, staying") << QByteArray("inner/../outside.hex");
+    QTest::newRow("parent at the end") << QByteArray("inner/..");
+    QTest::newRow("absolute") << QByteArray("%1/outside.hex");
+    QTest::newRow("absolute, two slashes") << QByteArray("/%1/outside.hex");
+    QTest::newRow("resource") << QByteArray(":/outside.hex");
+    QTest::newRow("no name") << QByteArray();
+    QTest::newRow("folder") << QByteArray("inner");
+    QTest::newRow("this folder") << QByteArray(".");
+    QTest::newRow("missing folder") << QByteArray("missing/outside.txt");
+    QTest::newRow("zero byte behind the parent") << QByteArray("..\0/outside.txt", 15);
+    QTest::newRow("longer than any name") << QByteArray(100000, 'n');
+}
+
+void VelantorBundleTest::staysInTheWorkingDirectory()
+{
+    QFETCH(QByteArray, name);
+    const QString outer = QDir::currentPath();
+    QVERIFY(QDir().mkpath("work/inner"_s) && QDir::setCurrent("work"_s));
+    name.replace("%1", outer.toUtf8());
+    folder->write("work/b.velantor"_s, member("good.hex", "good\n") + tables +
+                                           member(name, "bad\n") +
+                                           member("behind.txt", "behind\n"));
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(filesHere(), (QStringList{"behind.txt"_s, "device.txt"_s, "device_keep_profiles.txt"_s,
+                                       "device_overwrite_profiles.txt"_s, "good.hex"_s}));
+    QVERIFY(QDir("inner"_s).isEmpty());
+    QDir::setCurrent(outer);
+    QCOMPARE(filesHere(), QStringList());
+    QCOMPARE(fresh.getHexFileName(), "good.hex"_s);
+}
+
+void VelantorBundleTest::writesIntoAFolderThatExists()
+{
+    QVERIFY(QDir().mkdir("saved_profiles"_s));
+    write(tables + member("saved_profiles/a..b.xml", "x\n"));
+    QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(folder->read("saved_profiles/a..b.xml"_s), QByteArray("x\n"));
+}
+
+void VelantorBundleTest::survivesItsOwnName()
+{
+    write(tables + member("b.velantor", QByteArray(50000, 'x') + "\n") + member("y", "y\n"));
+    VelantorBundle("b.velantor"_s).parseBundle();
+    QCOMPARE(folder->read("b.velantor"_s).size(), 50001);
+}
+
+void VelantorBundleTest::longLinesAreReadInReasonableTime()
+{
+    const QByteArray blanks(2000000, ' ');
+    const QByteArray backslashes(2000000, '\\');
+    write("...\n" + blanks + "=\n" + QByteArray(2000000, '=') + "\nVERSION = 1\n...\n" + tables +
+          member("x.txt", backslashes + " END FILE\n" + "\\\\\\" + blanks + "END FILE\n"));
+    QElapsedTimer timer;
+    timer.start();
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(fresh.valueFromKey("VERSION"_s), "1"_s);
+    QCOMPARE(folder->read("x.txt"_s).size(), 4000000 + 22);
+    QVERIFY2(timer.elapsed() < 30000, QByteArray::number(timer.elapsed()) + " ms");
+}
+
+QTEST_GUILESS_MAIN(VelantorBundleTest)
+#include "tst_velantorbundle.moc"
