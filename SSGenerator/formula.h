@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 namespace HParser
 {
 class FormulaNode;
@@ -22,13 +24,14 @@ class Formula : public QObject
 
 public:
     explicit Formula(const QString &text, QObject *parent = nullptr);
+    ~Formula() override;
 
     /// The text as given, white space included.
     QString toString() const { return text; }
     /// The value at this moment. The tree must have been built. A division by zero follows IEEE.
     double toDouble() const;
     /// The tree, or null before a build and after a failed one. Stays owned by the formula.
-    FormulaNode *getRootTree() const { return root; }
+    FormulaNode *getRootTree() const { return root.get(); }
 
     /// Builds the tree; names are looked up in settings, which must outlive the formula. Text that
     /// cannot be read leaves no tree and says "Failed to match!" on standard output.
@@ -57,7 +60,7 @@ public slots:
 
 private:
     QString text;
-    FormulaNode *root = nullptr;
+    std::unique_ptr<FormulaNode> root;
 };
 
 } // namespace HParser

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 namespace HParser
 {
 class Formula;
@@ -47,6 +49,8 @@ public:
     void setBoolSilently(bool on) { boolValue = on; }
     /// The value of a number at full precision.
     double getNumber() const { return numValue; }
+    /// What getValue() reads, as a number: a number with six significant digits, a text converted.
+    double getShownNumber() const;
     /// The default of a flag.
     bool getDefaultBool() const { return defaultBool; }
     /// The default of a text or a list.
@@ -111,9 +115,15 @@ public slots:
     void on_formulasMemberSettingChanged();
 
 private:
+    void parseDeclaration(const QString &declaration);
+    void parseFields(const QStringList &fields);
+    void parseListItems(const QStringList &fields);
+
     bool defaultBool = false;
     QString defaultText;
     double numValue = 0;
+    /// numValue as its text reads. Formulas ask for it far more often than it changes.
+    mutable std::optional<double> shownNumber = 0;
     bool boolValue = false;
     /// Null until a text was first set.
     QString textValue;
