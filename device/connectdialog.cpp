@@ -1,0 +1,163 @@
+#include "device/connectdialog.h"
+
+#include "device/comdevicewatcher.h"
+#include "device/downloadprofiles.h"
+#include "device/transferfailedbox.h"
+#include "ui_connectdialog.h"
+
+#include <QMessageBox>
+#include <QPointer>
+
+namespace UploadDownload
+{
+
+ConnectDialog::ConnectDialog(QWidget *parent)
+    : QDialog(parent),
+      ui(std::make_unique<Ui::ConnectDialog>()),
+      watcher(new COMDeviceWatcher(this))
+{
+    ui->setupUi(this);
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowModality(Qt::ApplicationModal);
+    setWindowTitle(QStringLiteral("Connect"));
+    ui->dialogTitleLabel->setText(QStringLiteral("Connect to Velantor"));
+    ui->okButton->setText(QStringLiteral("Connect"));
+    ui->okButton->setFocusPolicy(Qt::NoFocus);
+    connect(ui->okButton, &QPushButton::clicked, this, &ConnectDialog::on_okButtonPressed);
+
+    listPorts();
+    if (ui->comPortsDropdown->count() > 0)
+        ui->comPortsDropdown->setCurrentIndex(0);
+    else
+        showNoPort();
+
+    connect(watcher, &COMDeviceWatcher::devicesAdded, this, &ConnectDialog::onDevicesConnected);
+    connect(watcher, &COMDeviceWatcher::devicesRemoved, this,
+            &ConnectDialog::onDevicesDisconnected);
+    watcher->startWatching();
+    showStopped(QStringLiteral("Stopped"), 0);
+}
+
+ConnectDialog::~ConnectDialog() = default;
+
+void ConnectDialog::setFileLocation(const QString &location)
+{
+    fileLocation = location;
+}
+
+bool ConnectDialog::setCOMAndOK(const QString &com, bool automatic)
+{
+    const int index = ui->comPortsDropdown->findText(com);
+    if (index < 0)
+        return false;
+    okByProgram = automatic;
+    ui->comPortsDropdown->setCurrentIndex(index);
+    on_okButtonPressed();
+    return true;
+}
+
+QString ConnectDialog::formatCOMPort(const QString &com)
+{
+    return QStringLiteral("/dev/") + com;
+}
+
+void ConnectDialog::on_okButtonPressed()
+{
+    ui->okButton->setEnabled(false);
+    ui->status->setText(QStringLiteral("Working..."));
+    ui->progressBar->setRange(0, 0);
+
+    const QString com = ui->comPortsDropdown->currentText();
+    emit COMPortChosen(com);
+
+    auto *download = new DownloadProfiles(formatCOMPort(com), parent());
+    connect(download, &DownloadProfiles::finished, this, &ConnectDialog::connectSuccess);
+    connect(download, &DownloadProfiles::errorDownloading, this, &ConnectDialog::connectFail);
+    download->start();
+}
+
+void ConnectDialog::connectSuccess()
+{
+    showStopped(QStringLiteral("Connected!"), 100);
+    // The import may show boxes, and this dialog may go while they wait.
+    const QPointer<ConnectDialog> guard(this);
+    emit settingsRead();
+    if (guard)
+        close();
+}
+
+void ConnectDialog::connectFail()
+{
+    emit settingsWrite(false);
+    showStopped(QStringLiteral("Failed!"), 0);
+    ui->okButton->setText(QStringLiteral("Try Again"));
+    ui->okButton->setEnabled(true);
+
+    const QPointer<ConnectDialog> guard(this);
+    const QPointer<QMessageBox> box(newTransferFailedBox(this));
+    box->setStandardButtons(QMessageBox::Cancel | QMessageBox::Ok);
+    const int answer = box->exec();
+    delete box;
+    if (guard && answer == QMessageBox::Cancel)
+        close();
+}
+
+void ConnectDialog::onDevicesConnected(QList<QextPortInfo> ports)
+{
+    for (const QextPortInfo &port : qAsConst(ports))
+        addPortToDropdown(port);
+    if (!ui->okButton->isEnabled() && ui->comPortsDropdown->count() > 0) {
+        ui->okButton->setEnabled(true);
+        ui->errorMessage->clear();
+    }
+    ui->comPortsDropdown->setCurrentIndex(0);
+}
+
+void ConnectDialog::onDevicesDisconnected(QList<QextPortInfo> ports)
+{
+    for (const QextPortInfo &port : qAsConst(ports)) {
+        const int index = ui->comPortsDropdown->findText(port.portName);
+        if (index >= 0)
+            ui->comPortsDropdown->removeItem(index);
+    }
+    if (ui->comPortsDropdown->count() == 0)
+        showNoPort();
+}
+
+void ConnectDialog::listPorts()
+{
+    for (const QextPortInfo &port : QextSerialEnumerator::getPorts()) {
+        // Built-in serial ports, with no charger behind them, stay out. The last port stands
+        // first: it is the cable that was plugged in most lately.
+        if (!port.portName.contains(QStringLiteral("ttyS")))
+            ui->comPortsDropdown->insertItem(0, port.portName);
+    }
+}
+
+void ConnectDialog::addPortToDropdown(const QextPortInfo &port)
+{
+    if (ui->comPortsDropdown->findText(port.portName) >= 0)
+        return;
+    const int before = ui->comPortsDropdown->count();
+    ui->comPortsDropdown->clear();
+    listPorts();
+    for (int index = 0; index < before; ++index) {
+        if (ui->comPortsDropdown->itemText(index) == port.portName)
+            ui->comPortsDropdown->setCurrentIndex(index);
+    }
+}
+
+void ConnectDialog::showNoPort()
+{
+    ui->errorMessage->setText(QStringLiteral("No COM Port available!"));
+    ui->okButton->setEnabled(false);
+}
+
+void ConnectDialog::showStopped(const QString &status, int percent)
+{
+    ui->status->setText(status);
+    ui->progressBar->setRange(0, 100);
+    ui->progressBar->setValue(percent);
+}
+
+} // namespace UploadDownload
