@@ -1,0 +1,887 @@
+#include "SSGenerator/formula.h"
+#include "SSGenerator/generator.h"
+#include "SSGenerator/structsetting.h"
+#include "SSGenerator/structsettings.h"
+#include "profiles/profilename.h"
+#include "profiles/profilenamelistwidget.h"
+#include "profiles/profilenameslistmanager.h"
+#include "profiles/profilesettings.h"
+#include "support/messageboxanswers.h"
+
+#include <QListWidget>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+using HParser::StructSetting;
+
+Q_DECLARE_METATYPE(ProfileName *)
+
+namespace
+{
+
+QString schema(const char *name)
+{
+    return QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + QLatin1String(name);
+}
+
+StructSetting *member(const ProfileSettings *profile, const char *name)
+{
+    return profile->structSettings->getStructSettingByName(QLatin1String(name));
+}
+
+/// A window with the list, its buttons and the page of device settings, and their manager.
+struct Window {
+    Window()
+    {
+        widget.resize(400, 400);
+        list.setGeometry(0, 0, 200, 300);
+        add.setGeometry(210, 0, 80, 30);
+        up.setGeometry(210, 40, 80, 30);
+        down.setGeometry(210, 80, 80, 30);
+        deviceSettings.setGeometry(210, 120, 100, 100);
+        deviceSettings.hide();
+        widget.show();
+        generator.parseSSFile(schema("master.ss"));
+    }
+
+    /// A profile that fits the limits of every charger.
+    ProfileSettings *profile(const char *title, const char *chemistry = "Lithium")
+    {
+        auto *made = new ProfileSettings;
+        if (!made->initializeStructSettings(QLatin1String(chemistry), &generator))
+            qFatal("no such chemistry");
+        member(made, "title")->setValue(QString::fromLatin1(title));
+        if (qstrcmp(chemistry, "Lithium") == 0)
+            member(made, "full_V")->setValue(30.0);
+        return made;
+    }
+    ProfileSettings *import(const char *title, bool active = false, bool isDefault = false)
+    {
+        ProfileSettings *made = profile(title);
+        manager.on_profileReadyForImport(made, active, isDefault);
+        return made;
+    }
+    void addNew(ProfileSettings *made)
+    {
+        QVERIFY(
+            QMetaObject::invokeMethod(&manager, "addNewProfile", Q_ARG(ProfileSettings *, made)));
+    }
+    ProfileNameListWidget *item(int row) const
+    {
+        return static_cast<ProfileNameListWidget *>(list.item(row));
+    }
+    ProfileName *row(int row) const { return item(row)->profileName; }
+    void click(int rowIndex) const
+    {
+        // The list puts its rows into place from the event loop.
+        QCoreApplication::processEvents();
+        QTest::mouseClick(row(rowIndex), Qt::LeftButton, Qt::NoModifier, QPoint(178, 2));
+    }
+    void press(int rowIndex, const char *button) const
+    {
+        QTest::mouseClick(row(rowIndex)->findChild<QPushButton *>(QLatin1String(button)),
+                          Qt::LeftButton);
+    }
+    QStringList titles() const
+    {
+        QStringList result;
+        for (int i = 0; i < list.count(); ++i)
+            result.append(row(i)->getTitle());
+        return result;
+    }
+    /// "A" for active and "D" for default, for each row.
+    QStringList states() const
+    {
+        QStringList result;
+        for (int i = 0; i < list.count(); ++i)
+            result.append(QLatin1String(row(i)->getActiveStatus() ? "A" : "") +
+                          QLatin1String(row(i)->getDefaultStatus() ? "D" : ""));
+        return result;
+    }
+    bool highlighted(int rowIndex) const
+    {
+        return row(rowIndex)->styleSheet() == QLatin1String("background-color:rgb(200,200,200);");
+    }
+
+    HParser::Generator generator;
+    QWidget widget;
+    QListWidget list{&widget};
+    QPushButton add{&widget};
+    QPushButton up{&widget};
+    QPushButton down{&widget};
+    QWidget deviceSettings{&widget};
+    ProfileNamesListManager manager{&widget, &list, &add, &deviceSettings, &up, &down, &generator};
+};
+
+ProfileName *rowOf(const QList<QVariant> &arguments)
+{
+    return arguments.at(0).value<ProfileName *>();
+}
+
+QStringList texts(std::initializer_list<const char *> list)
+{
+    QStringList result;
+    for (const char *text : list)
+        result.append(QLatin1String(text));
+    return result;
+}
+
+} // namespace
+
+class ProfileNamesListManagerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void preparesTheWidgets();
+    void addsNewProfiles();
+    void importsProfiles();
+    void firstImportedDefaultWins();
+    void importAfterTheDefaultIsGone();
+
+    void selectsByClick();
+    void secondClickDoesNothing();
+    void secondClickLeavesDeviceSettings();
+
+    void lampAsks();
+    void deactivatingTakesTheDefaultMark();
+    void deactivatingAnotherRowKeepsTheDefault();
+    void defaultMarkMoves();
+    void defaultMarkIsTakenBack();
+    void quickUpdates_data();
+    void quickUpdates();
+
+    void movesRows();
+    void movesNothingAtTheEnds();
+    void movesNothingWithoutCurrentRow();
+    void movedDefaultStaysDefault();
+    void movedRowStaysCurrentAndConnected();
+    void movedRowStopsMarking();
+    void movedRowScrollsIntoView();
+
+    void asksBeforeDeleting_data();
+    void asksBeforeDeleting();
+    void asksWithTheMarkedTitle();
+    void rowThatWentWhileAsking();
+    void deletesCurrentRow();
+    void deletesAnotherRow();
+    void deletesTheLastRow();
+    void deletesTheDefaultRow();
+    void deletesOnlyOnce();
+    void deletesAll();
+    void asksBeforeDeletingAll_data();
+    void asksBeforeDeletingAll();
+
+    void rowsOfAChargerMarkChanges();
+    void otherRowsFollowTheirTexts();
+    void disablingEndsTheMarking();
+    void enablingTouchesNoRow();
+    void aWriteClearsTheMarks();
+    void aFailedWriteKeepsTheMarks();
+
+    void newLimitsThatFit();
+    void newLimitsWithoutCurrentRow();
+    void misfitsAreRemoved();
+    void misfitsAreKept();
+    void currentMisfitIsRemoved();
+    void rowsThatWentWhileAskingAboutMisfits();
+
+private:
+    std::unique_ptr<Window> window;
+    std::unique_ptr<MessageBoxAnswers> answers;
+};
+
+void ProfileNamesListManagerTest::initTestCase()
+{
+    qRegisterMetaType<ProfileName *>();
+    qRegisterMetaType<ProfileSettings *>("ProfileSettings*");
+}
+
+void ProfileNamesListManagerTest::init()
+{
+    window = std::make_unique<Window>();
+    answers = std::make_unique<MessageBoxAnswers>();
+}
+
+void ProfileNamesListManagerTest::cleanup()
+{
+    answers.reset();
+    window.reset();
+}
+
+void ProfileNamesListManagerTest::preparesTheWidgets()
+{
+    QCOMPARE(window->list.selectionMode(), QAbstractItemView::NoSelection);
+    QCOMPARE(window->list.verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
+    QCOMPARE(window->list.styleSheet(),
+             QStringLiteral("QListWidget::item { border-bottom: 1px solid black; }"));
+    QVERIFY(!window->up.isEnabled());
+    QVERIFY(!window->down.isEnabled());
+    QCOMPARE(ProfileNameListWidget::qlistWidget, &window->list);
+    QCOMPARE(window->manager.parent(), &window->widget);
+}
+
+void ProfileNamesListManagerTest::addsNewProfiles()
+{
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->import("First");
+    window->addNew(window->profile("Second"));
+    QCOMPARE(window->titles(), texts({"First", "Second"}));
+    QCOMPARE(window->states(), texts({"", ""}));
+    QCOMPARE(shown.count(), 1);
+    QCOMPARE(rowOf(shown.last()), window->row(1));
+    QVERIFY(window->highlighted(1));
+    QVERIFY(!window->highlighted(0));
+    QVERIFY(window->up.isEnabled());
+    QVERIFY(window->down.isEnabled());
+
+    for (int i = 0; i < 10; ++i)
+        window->addNew(window->profile("More"));
+    QVERIFY(window->highlighted(11));
+    QVERIFY(!window->highlighted(1));
+    QVERIFY(window->list.viewport()->rect().contains(
+        window->list.visualItemRect(window->item(11)).center()));
+}
+
+void ProfileNamesListManagerTest::importsProfiles()
+{
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->import("On", true);
+    window->import("Off", false);
+    QCOMPARE(window->titles(), texts({"On", "Off"}));
+    QCOMPARE(window->states(), texts({"A", ""}));
+    QVERIFY(window->row(0)->getOriginalValues());
+    QCOMPARE(window->row(0)
+                 ->getOriginalValues()
+                 ->getStructSettingByName(QStringLiteral("active"))
+                 ->getValue(),
+             QStringLiteral("true"));
+    QCOMPARE(shown.count(), 0);
+    QVERIFY(!window->highlighted(0));
+    QVERIFY(!window->up.isEnabled());
+}
+
+void ProfileNamesListManagerTest::firstImportedDefaultWins()
+{
+    window->import("None", true, false);
+    window->import("First", true, true);
+    window->import("Second", true, true);
+    QCOMPARE(window->states(), texts({"A", "AD", "A"}));
+}
+
+void ProfileNamesListManagerTest::importAfterTheDefaultIsGone()
+{
+    window->import("First", true, true);
+    window->manager.deleteProfile(window->item(0));
+    window->import("Second", true, true);
+    QCOMPARE(window->states(), texts({"AD"}));
+}
+
+void ProfileNamesListManagerTest::selectsByClick()
+{
+    window->import("A");
+    window->import("B");
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->click(1);
+    QCOMPARE(shown.count(), 1);
+    QCOMPARE(rowOf(shown.last()), window->row(1));
+    QVERIFY(window->highlighted(1));
+    QVERIFY(window->up.isEnabled());
+    QVERIFY(window->down.isEnabled());
+
+    window->click(0);
+    QCOMPARE(shown.count(), 2);
+    QCOMPARE(rowOf(shown.last()), window->row(0));
+    QVERIFY(window->highlighted(0));
+    QCOMPARE(window->row(1)->styleSheet(), QStringLiteral("background-color:rgb(255,255,255);"));
+}
+
+void ProfileNamesListManagerTest::secondClickDoesNothing()
+{
+    window->import("A");
+    window->click(0);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->click(0);
+    QCOMPARE(shown.count(), 0);
+    QVERIFY(window->highlighted(0));
+}
+
+void ProfileNamesListManagerTest::secondClickLeavesDeviceSettings()
+{
+    window->import("A");
+    window->click(0);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->deviceSettings.show();
+    window->click(0);
+    QCOMPARE(shown.count(), 1);
+    QCOMPARE(rowOf(shown.last()), window->row(0));
+    QVERIFY(window->highlighted(0));
+}
+
+void ProfileNamesListManagerTest::lampAsks()
+{
+    window->import("A");
+    window->press(0, "activeProfileButton");
+    QCOMPARE(window->states(), texts({"A"}));
+    window->press(0, "activeProfileButton");
+    QCOMPARE(window->states(), texts({""}));
+}
+
+void ProfileNamesListManagerTest::deactivatingTakesTheDefaultMark()
+{
+    window->import("A", true, true);
+    window->press(0, "activeProfileButton");
+    QCOMPARE(window->states(), texts({""}));
+    // No row counts as the default one any more: the next import may become it.
+    window->import("B", true, true);
+    QCOMPARE(window->states(), texts({"", "AD"}));
+}
+
+void ProfileNamesListManagerTest::deactivatingAnotherRowKeepsTheDefault()
+{
+    window->import("A", true, true);
+    window->import("B", true);
+    window->press(1, "activeProfileButton");
+    QCOMPARE(window->states(), texts({"AD", ""}));
+    window->import("C", true, true);
+    QCOMPARE(window->states(), texts({"AD", "", "A"}));
+}
+
+void ProfileNamesListManagerTest::defaultMarkMoves()
+{
+    window->import("A", true, true);
+    window->import("B", false);
+    window->press(1, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"A", "AD"}));
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"AD", "A"}));
+}
+
+void ProfileNamesListManagerTest::defaultMarkIsTakenBack()
+{
+    window->import("A");
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"AD"}));
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"A"}));
+    window->import("B", true, true);
+    QCOMPARE(window->states(), texts({"A", "AD"}));
+}
+
+void ProfileNamesListManagerTest::quickUpdates_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<bool>("state");
+    QTest::addColumn<int>("updates");
+    QTest::newRow("activate") << QByteArray("activeProfileButton") << false << 1;
+    QTest::newRow("deactivate") << QByteArray("activeProfileButton") << true << 2;
+    QTest::newRow("make default") << QByteArray("defaultProfileButton") << false << 1;
+    QTest::newRow("take default") << QByteArray("defaultProfileButton") << true << 1;
+}
+
+/// The row in view is named, whichever row has changed; without one nothing is said.
+void ProfileNamesListManagerTest::quickUpdates()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(bool, state);
+    QFETCH(int, updates);
+    window->import("Changed", state, state);
+    window->import("In view");
+    QSignalSpy quick(&window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
+    QSignalSpy full(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->press(0, button);
+    QCOMPARE(quick.count(), 0);
+
+    window->row(0)->setActive(state);
+    window->row(0)->setDefault(state);
+    window->click(1);
+    QCOMPARE(full.count(), 1);
+    window->press(0, button);
+    QCOMPARE(quick.count(), updates);
+    for (const QList<QVariant> &arguments : quick)
+        QCOMPARE(rowOf(arguments), window->row(1));
+    QCOMPARE(full.count(), 1);
+}
+
+void ProfileNamesListManagerTest::movesRows()
+{
+    window->import("A");
+    window->import("B");
+    window->import("C");
+    window->click(0);
+    QTest::mouseClick(&window->down, Qt::LeftButton);
+    QCOMPARE(window->titles(), texts({"B", "A", "C"}));
+    QTest::mouseClick(&window->down, Qt::LeftButton);
+    QCOMPARE(window->titles(), texts({"B", "C", "A"}));
+    QTest::mouseClick(&window->up, Qt::LeftButton);
+    QTest::mouseClick(&window->up, Qt::LeftButton);
+    QCOMPARE(window->titles(), texts({"A", "B", "C"}));
+    QVERIFY(window->highlighted(0));
+}
+
+void ProfileNamesListManagerTest::movesNothingAtTheEnds()
+{
+    window->import("A");
+    window->import("B");
+    window->click(0);
+    const QListWidgetItem *first = window->item(0);
+    window->manager.profilePushUp();
+    QCOMPARE(window->list.item(0), first);
+    window->click(1);
+    const QListWidgetItem *last = window->item(1);
+    window->manager.profilePushDown();
+    QCOMPARE(window->list.item(1), last);
+    QCOMPARE(window->titles(), texts({"A", "B"}));
+}
+
+void ProfileNamesListManagerTest::movesNothingWithoutCurrentRow()
+{
+    window->manager.profilePushUp();
+    window->manager.profilePushDown();
+    window->import("A");
+    window->import("B");
+    window->import("C");
+    window->click(1);
+    window->manager.deleteProfile(window->item(1));
+    QVERIFY(window->up.isEnabled());
+    window->manager.profilePushUp();
+    window->manager.profilePushDown();
+    QCOMPARE(window->titles(), texts({"A", "C"}));
+}
+
+void ProfileNamesListManagerTest::movedDefaultStaysDefault()
+{
+    window->import("A", true, true);
+    window->import("B", true);
+    window->click(0);
+    window->manager.profilePushDown();
+    QCOMPARE(window->titles(), texts({"B", "A"}));
+    QCOMPARE(window->states(), texts({"A", "AD"}));
+    // The mark can still be taken from it.
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"AD", "A"}));
+}
+
+void ProfileNamesListManagerTest::movedRowStaysCurrentAndConnected()
+{
+    ProfileSettings *moved = window->import("A");
+    window->import("B");
+    window->click(0);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    const QPointer<ProfileName> old = window->row(0);
+    window->manager.profilePushDown();
+    QTRY_VERIFY(!old);
+    QCOMPARE(shown.count(), 0);
+    QCOMPARE(deleted.count(), 0);
+    QCOMPARE(window->row(1)->getProfileSettings(), moved);
+    window->click(1);
+    QCOMPARE(shown.count(), 0);
+
+    member(moved, "title")->setValue(QStringLiteral("Renamed"));
+    QCOMPARE(window->titles(), texts({"B", "Renamed"}));
+    window->press(1, "activeProfileButton");
+    QCOMPARE(window->states(), texts({"", "A"}));
+    window->manager.deleteProfile(window->item(1));
+    QCOMPARE(deleted.count(), 1);
+}
+
+void ProfileNamesListManagerTest::movedRowStopsMarking()
+{
+    window->manager.enableMarkingChanges();
+    ProfileSettings *moved = window->import("A");
+    window->import("B");
+    member(moved, "bulk_I")->setValue(1.0);
+    window->click(0);
+    window->manager.profilePushDown();
+    QCOMPARE(window->titles(), texts({"B", "A**"}));
+    member(moved, "bulk_I")->setValue(2.0);
+    QCOMPARE(window->titles(), texts({"B", "A"}));
+}
+
+void ProfileNamesListManagerTest::movedRowScrollsIntoView()
+{
+    for (int i = 0; i < 17; ++i)
+        window->import("A");
+    window->click(0);
+    for (int i = 0; i < 16; ++i)
+        window->manager.profilePushDown();
+    QVERIFY(window->highlighted(16));
+    QVERIFY(window->list.viewport()->rect().contains(
+        window->list.visualItemRect(window->item(16)).center()));
+}
+
+void ProfileNamesListManagerTest::asksBeforeDeleting_data()
+{
+    QTest::addColumn<int>("button");
+    QTest::addColumn<int>("left");
+    QTest::newRow("yes") << int(QMessageBox::Yes) << 1;
+    QTest::newRow("no") << int(QMessageBox::No) << 2;
+    QTest::newRow("enter") << 0 << 2;
+}
+
+void ProfileNamesListManagerTest::asksBeforeDeleting()
+{
+    QFETCH(int, button);
+    QFETCH(int, left);
+    window->import("Keep");
+    window->import("Go");
+    answers->push([&](QMessageBox *box) {
+        if (button == 0)
+            QTest::keyClick(box, Qt::Key_Return);
+        else
+            box->button(QMessageBox::StandardButton(button))->click();
+    });
+    window->press(1, "deleteProfileButton");
+    QCOMPARE(answers->seen().size(), 1);
+    const MessageBoxAnswers::Box box = answers->seen().first();
+    QCOMPARE(box.title, QStringLiteral("Deleting Profile"));
+    QCOMPARE(box.text, QStringLiteral("Do you really want to remove the profile <b>\"Go\"</b>?"));
+    QCOMPARE(box.buttons.size(), 2);
+    QCOMPARE(window->list.count(), left);
+    QCOMPARE(window->row(0)->getTitle(), QStringLiteral("Keep"));
+}
+
+void ProfileNamesListManagerTest::asksWithTheMarkedTitle()
+{
+    window->manager.enableMarkingChanges();
+    ProfileSettings *profile = window->import("Go");
+    member(profile, "bulk_I")->setValue(1.0);
+    answers->push(QMessageBox::No);
+    window->press(0, "deleteProfileButton");
+    QCOMPARE(answers->seen().value(0).text,
+             QStringLiteral("Do you really want to remove the profile <b>\"Go**\"</b>?"));
+}
+
+void ProfileNamesListManagerTest::rowThatWentWhileAsking()
+{
+    window->import("Go");
+    window->import("Keep");
+    const QPointer<ProfileName> name = window->row(0);
+    answers->push([&](QMessageBox *box) {
+        window->manager.deleteProfile(window->item(0));
+        QTRY_VERIFY(!name);
+        box->button(QMessageBox::Yes)->click();
+    });
+    window->manager.deleteProfileWithConfirmation(name);
+    QCOMPARE(window->titles(), texts({"Keep"}));
+}
+
+void ProfileNamesListManagerTest::deletesCurrentRow()
+{
+    window->import("A");
+    window->import("B");
+    window->click(1);
+    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
+    const QPointer<ProfileName> name = window->row(1);
+    window->manager.deleteProfile(window->item(1));
+    QCOMPARE(window->titles(), texts({"A"}));
+    QCOMPARE(deleted.count(), 1);
+    QCOMPARE(empty.count(), 0);
+    QVERIFY(window->up.isEnabled());
+    QTRY_VERIFY(!name);
+
+    // The former row in view is forgotten.
+    QSignalSpy quick(&window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
+    window->press(0, "activeProfileButton");
+    QCOMPARE(quick.count(), 0);
+    window->click(0);
+    QVERIFY(window->highlighted(0));
+}
+
+void ProfileNamesListManagerTest::deletesAnotherRow()
+{
+    window->import("A");
+    window->import("B");
+    window->click(1);
+    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    window->manager.deleteProfile(window->item(0));
+    QCOMPARE(deleted.count(), 0);
+    QVERIFY(window->highlighted(0));
+}
+
+void ProfileNamesListManagerTest::deletesTheLastRow()
+{
+    window->import("A");
+    window->click(0);
+    QStringList order;
+    connect(&window->manager, &ProfileNamesListManager::currentProfileDeleted,
+            [&] { order.append(QStringLiteral("current")); });
+    connect(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft,
+            [&] { order.append(QStringLiteral("empty")); });
+    window->manager.deleteProfile(window->item(0));
+    QCOMPARE(order, texts({"current", "empty"}));
+    QVERIFY(!window->up.isEnabled());
+    QVERIFY(!window->down.isEnabled());
+}
+
+void ProfileNamesListManagerTest::deletesTheDefaultRow()
+{
+    window->import("A", true, true);
+    window->import("B", true);
+    window->manager.deleteProfile(window->item(0));
+    QCOMPARE(window->states(), texts({"A"}));
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"AD"}));
+}
+
+void ProfileNamesListManagerTest::deletesOnlyOnce()
+{
+    window->import("A");
+    window->import("B");
+    ProfileNameListWidget *item = window->item(0);
+    window->manager.deleteProfile(item);
+    window->manager.deleteProfile(item);
+    window->manager.deleteProfile(nullptr);
+    QCOMPARE(window->titles(), texts({"B"}));
+}
+
+void ProfileNamesListManagerTest::deletesAll()
+{
+    QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
+    window->manager.deleteAllProfilesNoConfirmation();
+    QCOMPARE(empty.count(), 0);
+    window->import("A");
+    window->import("B", true, true);
+    window->import("C");
+    window->manager.deleteAllProfilesNoConfirmation();
+    QCOMPARE(window->list.count(), 0);
+    QCOMPARE(empty.count(), 1);
+    QVERIFY(answers->seen().isEmpty());
+}
+
+void ProfileNamesListManagerTest::asksBeforeDeletingAll_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<bool>("yes");
+    QTest::addColumn<int>("questions");
+    QTest::addColumn<int>("left");
+    QTest::newRow("yes") << 2 << true << 1 << 0;
+    QTest::newRow("no") << 2 << false << 1 << 2;
+    QTest::newRow("empty list") << 0 << true << 0 << 0;
+}
+
+void ProfileNamesListManagerTest::asksBeforeDeletingAll()
+{
+    QFETCH(int, rows);
+    QFETCH(bool, yes);
+    QFETCH(int, questions);
+    for (int i = 0; i < rows; ++i)
+        window->import("A");
+    if (questions > 0)
+        answers->push(yes ? QMessageBox::Yes : QMessageBox::No);
+    QCOMPARE(window->manager.deleteAllProfilesAskConfirmation(), yes && questions > 0);
+    QCOMPARE(answers->seen().size(), questions);
+    if (questions > 0)
+        QCOMPARE(answers->seen().first().title, QStringLiteral("Delete All Profiles?"));
+    QTEST(window->list.count(), "left");
+}
+
+void ProfileNamesListManagerTest::rowsOfAChargerMarkChanges()
+{
+    window->manager.enableMarkingChanges();
+    ProfileSettings *profile = window->import("A", true);
+    QCOMPARE(window->titles(), texts({"A"}));
+    member(profile, "bulk_I")->setValue(1.0);
+    QCOMPARE(window->titles(), texts({"A**"}));
+    member(profile, "bulk_I")->setValue(4.0);
+    QCOMPARE(window->titles(), texts({"A"}));
+    window->press(0, "activeProfileButton");
+    QCOMPARE(window->titles(), texts({"A**"}));
+    window->press(0, "activeProfileButton");
+    QCOMPARE(window->titles(), texts({"A"}));
+    member(profile, "title")->setValue(QStringLiteral("B"));
+    QCOMPARE(window->titles(), texts({"B**"}));
+    member(profile, "description")->setValue(QStringLiteral("Text"));
+    QCOMPARE(window->row(0)->getSubtitle(), QStringLiteral("Text"));
+}
+
+void ProfileNamesListManagerTest::otherRowsFollowTheirTexts()
+{
+    ProfileSettings *profile = window->import("A");
+    member(profile, "bulk_I")->setValue(1.0);
+    QCOMPARE(window->titles(), texts({"A"}));
+    member(profile, "title")->setValue(QStringLiteral("B"));
+    member(profile, "description")->setValue(QStringLiteral("Text"));
+    QCOMPARE(window->titles(), texts({"B"}));
+    QCOMPARE(window->row(0)->getSubtitle(), QStringLiteral("Text"));
+}
+
+void ProfileNamesListManagerTest::disablingEndsTheMarking()
+{
+    window->manager.enableMarkingChanges();
+    ProfileSettings *profile = window->import("A");
+    member(profile, "bulk_I")->setValue(1.0);
+    window->manager.disableMarkingChanges();
+    QCOMPARE(window->titles(), texts({"A"}));
+    QVERIFY(!window->row(0)->getOriginalValues());
+    member(profile, "bulk_I")->setValue(2.0);
+    QCOMPARE(window->titles(), texts({"A"}));
+
+    ProfileSettings *later = window->import("B");
+    member(later, "bulk_I")->setValue(1.0);
+    QCOMPARE(window->titles(), texts({"A", "B"}));
+}
+
+void ProfileNamesListManagerTest::enablingTouchesNoRow()
+{
+    ProfileSettings *before = window->import("A");
+    window->manager.enableMarkingChanges();
+    member(before, "bulk_I")->setValue(1.0);
+    QCOMPARE(window->titles(), texts({"A"}));
+    QVERIFY(window->row(0)->getOriginalValues());
+}
+
+void ProfileNamesListManagerTest::aWriteClearsTheMarks()
+{
+    window->manager.enableMarkingChanges();
+    ProfileSettings *profile = window->import("A");
+    window->import("B");
+    member(profile, "bulk_I")->setValue(1.0);
+    window->manager.profilesWrittenToVelantor(true);
+    QCOMPARE(window->titles(), texts({"A", "B"}));
+    // The values to compare with stay those of the last read.
+    member(profile, "bulk_I")->setValue(2.0);
+    QCOMPARE(window->titles(), texts({"A**", "B"}));
+    member(profile, "bulk_I")->setValue(4.0);
+    QCOMPARE(window->titles(), texts({"A", "B"}));
+}
+
+void ProfileNamesListManagerTest::aFailedWriteKeepsTheMarks()
+{
+    window->manager.enableMarkingChanges();
+    member(window->import("A"), "bulk_I")->setValue(1.0);
+    window->manager.profilesWrittenToVelantor(false);
+    QCOMPARE(window->titles(), texts({"A**"}));
+}
+
+void ProfileNamesListManagerTest::newLimitsThatFit()
+{
+    ProfileSettings *first = window->import("A");
+    ProfileSettings *second = window->import("B");
+    window->click(1);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    const HParser::StructSettings *record = first->structSettings;
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    window->manager.deleteAllOutOfBoundsProfiles();
+
+    QVERIFY(answers->seen().isEmpty());
+    QCOMPARE(window->titles(), texts({"A", "B"}));
+    for (const ProfileSettings *profile : {first, second}) {
+        QCOMPARE(member(profile, "full_V")->upperBound->toDouble(), 34.0);
+        QCOMPARE(member(profile, "bulk_I")->upperBound->toDouble(), 15.0);
+        QCOMPARE(member(profile, "full_V")->getValue(), QStringLiteral("30"));
+    }
+    QCOMPARE(first->structSettings, record);
+    QCOMPARE(shown.count(), 1);
+    QCOMPARE(rowOf(shown.first()), window->row(1));
+    member(first, "full_V")->setValue(40.0);
+    QCOMPARE(member(first, "full_V")->getValue(), QStringLiteral("34"));
+}
+
+void ProfileNamesListManagerTest::newLimitsWithoutCurrentRow()
+{
+    window->import("A");
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    window->manager.deleteAllOutOfBoundsProfiles();
+    QCOMPARE(shown.count(), 0);
+    QCOMPARE(deleted.count(), 1);
+}
+
+void ProfileNamesListManagerTest::misfitsAreRemoved()
+{
+    ProfileSettings *tooHigh = window->import("High");
+    member(tooHigh, "full_V")->setValue(42.0);
+    window->import("Fits");
+    ProfileSettings *nickel = window->profile("Nickel pack", "Nickel");
+    member(nickel, "description")->setValue(QStringLiteral("36 V"));
+    window->manager.on_profileReadyForImport(nickel, true, true);
+    window->click(1);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy reverted(&window->manager, &ProfileNamesListManager::revertHardwareLimits);
+
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    answers->push(QMessageBox::Yes);
+    window->manager.deleteAllOutOfBoundsProfiles();
+    QCOMPARE(answers->seen().size(), 1);
+    QCOMPARE(answers->seen().first().text,
+             QStringLiteral("The following profiles aren't compatible with the 24V Velantor's "
+                            "hardware limits. \n\nHigh - Custom\nNickel pack - 36 V\n\nThey must "
+                            "be removed. Are you sure you would like to continue?"));
+    QCOMPARE(window->titles(), texts({"Fits"}));
+    QCOMPARE(reverted.count(), 0);
+    QCOMPARE(shown.count(), 1);
+    QCOMPARE(rowOf(shown.first()), window->row(0));
+    // The default went with its row.
+    window->import("Next", true, true);
+    QCOMPARE(window->states(), texts({"", "AD"}));
+}
+
+void ProfileNamesListManagerTest::misfitsAreKept()
+{
+    ProfileSettings *tooHigh = window->import("High");
+    member(tooHigh, "full_V")->setValue(42.0);
+    ProfileSettings *fits = window->import("Fits");
+    window->click(0);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy reverted(&window->manager, &ProfileNamesListManager::revertHardwareLimits);
+
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    answers->push(QMessageBox::No);
+    window->manager.deleteAllOutOfBoundsProfiles();
+    QCOMPARE(reverted.count(), 1);
+    QCOMPARE(shown.count(), 0);
+    QCOMPARE(deleted.count(), 0);
+    QCOMPARE(window->titles(), texts({"High", "Fits"}));
+    QCOMPARE(member(tooHigh, "full_V")->getValue(), QStringLiteral("42"));
+    for (const ProfileSettings *profile : {tooHigh, fits})
+        QCOMPARE(member(profile, "full_V")->upperBound->toDouble(), 63.0);
+}
+
+void ProfileNamesListManagerTest::currentMisfitIsRemoved()
+{
+    ProfileSettings *tooHigh = window->import("High");
+    member(tooHigh, "full_V")->setValue(42.0);
+    window->click(0);
+    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
+    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    answers->push(QMessageBox::Yes);
+    window->manager.deleteAllOutOfBoundsProfiles();
+    QCOMPARE(window->list.count(), 0);
+    // Once for the row itself, once because no row is left to show.
+    QCOMPARE(deleted.count(), 2);
+    QCOMPARE(empty.count(), 1);
+    QCOMPARE(shown.count(), 0);
+}
+
+void ProfileNamesListManagerTest::rowsThatWentWhileAskingAboutMisfits()
+{
+    ProfileSettings *tooHigh = window->import("High");
+    member(tooHigh, "full_V")->setValue(42.0);
+    window->import("Fits");
+    const QPointer<ProfileName> name = window->row(0);
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    answers->push([&](QMessageBox *box) {
+        window->manager.deleteProfile(window->item(0));
+        QTRY_VERIFY(!name);
+        box->button(QMessageBox::Yes)->click();
+    });
+    window->manager.deleteAllOutOfBoundsProfiles();
+    QCOMPARE(window->titles(), texts({"Fits"}));
+}
+
+QTEST_MAIN(ProfileNamesListManagerTest)
+#include "tst_profilenameslistmanager.moc"
