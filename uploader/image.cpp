@@ -1,0 +1,40 @@
+#include "uploader/image.h"
+
+#include "IntelHexFile/hexfile.h"
+
+#include <algorithm>
+
+namespace Uploader
+{
+using namespace IntelHexFile;
+
+Image::Image(const bootloader_t &bldr)
+    : flash(flashImageSize + std::max(bldr.rowSize, bldr.verifyRowSize)),
+      eeprom(eepromImageSize + (Uploader::hasEeprom(bldr)
+                                    ? std::max(bldr.eepromRowSize, bldr.eepromVerifyRowSize)
+                                    : 0))
+{
+    fillhexbuffer(flash.data(), static_cast<std::uint32_t>(flash.size()), bldr.flashFiller,
+                  bldr.flashFillerSize);
+    fillhexbuffer(eeprom.data(), static_cast<std::uint32_t>(eeprom.size()), bldr.eepromFiller,
+                  bldr.eepromFillerSize);
+}
+
+bool hasEeprom(const bootloader_t &bldr)
+{
+    return bldr.eepromMaxSize != 0;
+}
+
+std::uint32_t flashEndIndex(const bootloader_t &bldr)
+{
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(byteIndexOf(bldr.flashEnd, bldr), flashImageSize));
+}
+
+std::uint32_t flashStartIndex(const bootloader_t &bldr)
+{
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(byteIndexOf(bldr.bootloaderEnd, bldr), flashEndIndex(bldr)));
+}
+
+} // namespace Uploader
