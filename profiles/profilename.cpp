@@ -20,6 +20,14 @@ void applyStyleSheet(QWidget *widget, const QString &sheet)
         widget->setStyleSheet(sheet);
 }
 
+/// The picture of an active profile's lamp, or of another's. Read once for all rows.
+const QIcon &lamp(bool on)
+{
+    static const QIcon green(QStringLiteral(":/new/images/greenlight.PNG"));
+    static const QIcon none(QStringLiteral(":/new/images/nolight.PNG"));
+    return on ? green : none;
+}
+
 void describe(QWidget *button, const QString &text)
 {
     button->setToolTip(text);
@@ -112,8 +120,7 @@ bool ProfileName::getDefaultStatus() const
 
 void ProfileName::showActive(bool on)
 {
-    ui->activeProfileButton->setIcon(QIcon(on ? QStringLiteral(":/new/images/greenlight.PNG")
-                                              : QStringLiteral(":/new/images/nolight.PNG")));
+    ui->activeProfileButton->setIcon(lamp(on));
     describe(ui->activeProfileButton, on ? tr("Active") : tr("Not Active"));
 }
 
