@@ -30,6 +30,15 @@ bool staysInCurrentDirectory(const QString &name)
            !name.split(QLatin1Char('/')).contains(QStringLiteral(".."));
 }
 
+/// Every start unpacks the bundle over what the start before has written. Leaving equal files alone
+/// spares the disk, and the wait where a file system flushes a truncated file as it is closed.
+bool holds(const QString &name, const QByteArray &content)
+{
+    QFile file(name);
+    return file.size() == content.size() && file.open(QIODevice::ReadOnly) &&
+           file.readAll() == content;
+}
+
 bool writeFile(const QByteArray &content, const QString &name)
 {
     QFile file(name);
@@ -110,10 +119,10 @@ bool VelantorBundle::parseBundle()
             content += '\n';
             line = nextLine(file);
         }
-        if (staysInCurrentDirectory(name))
-            writeFile(content, name);
-        else
+        if (!staysInCurrentDirectory(name))
             hexFileName = firmwareSoFar; // a file elsewhere is no firmware of this bundle
+        else if (!holds(name, content))
+            writeFile(content, name);
     }
     return allowOverwriteProfiles(true);
 }

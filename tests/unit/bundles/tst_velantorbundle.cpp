@@ -2,6 +2,7 @@
 
 #include "support/workingdirectory.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -104,6 +105,7 @@ private slots:
     void unpacks_data();
     void unpacks();
     void overwritesOlderFiles();
+    void leavesEqualFilesAlone();
     void unpacksAsATextStreamWould();
     void aMissingBundleIsFalse();
     void aMissingOverwriteTableIsFalseAfterUnpacking();
@@ -455,6 +457,23 @@ void VelantorBundleTest::overwritesOlderFiles()
     QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
     QCOMPARE(folder->read("x.txt"_s), QByteArray("new\n"));
     QCOMPARE(folder->read("device.txt"_s), QByteArray("overwrite\n"));
+}
+
+void VelantorBundleTest::leavesEqualFilesAlone()
+{
+    write(tables + member("same.txt", "same\n") + member("other.txt", "new\n"));
+    const QDateTime before(QDate(2023, 3, 23), QTime(12, 0));
+    for (const QString &name : {"same.txt"_s, "other.txt"_s}) {
+        folder->write(name, name.startsWith(QLatin1Char('s')) ? "same\n" : "old\n");
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(before, QFileDevice::FileModificationTime));
+    }
+    QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(QFileInfo("same.txt"_s).lastModified(), before);
+    QVERIFY(QFileInfo("other.txt"_s).lastModified() != before);
+    QCOMPARE(folder->read("same.txt"_s), QByteArray("same\n"));
+    QCOMPARE(folder->read("other.txt"_s), QByteArray("new\n"));
 }
 
 void VelantorBundleTest::unpacksAsATextStreamWould()
