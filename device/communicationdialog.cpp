@@ -18,13 +18,13 @@ QString titleOf(CommunicationDialog::Mode mode)
 {
     switch (mode) {
     case CommunicationDialog::ReadOnly:
-        return QStringLiteral("Reading from Velantor");
+        return CommunicationDialog::tr("Reading from Velantor");
     case CommunicationDialog::WriteSettings:
-        return QStringLiteral("Writing Settings");
+        return CommunicationDialog::tr("Writing Settings");
     case CommunicationDialog::WriteOnly:
-        return QStringLiteral("Writing");
+        return CommunicationDialog::tr("Writing");
     case CommunicationDialog::ReadWriteRead:
-        return QStringLiteral("Writing to Velantor");
+        return CommunicationDialog::tr("Writing to Velantor");
     }
     return QString();
 }
@@ -67,12 +67,12 @@ int CommunicationDialog::startRequiredComm()
 
 void CommunicationDialog::verificationFailed()
 {
-    showEnd(QStringLiteral("Failed!"), 0);
-    ui->errorIcon->setText(QStringLiteral("Communication Error!"));
+    showEnd(tr("Failed!"), 0);
+    ui->errorIcon->setText(tr("Communication Error!"));
     ui->errorIcon->adjustSize();
-    ui->errorMessage->setText(QStringLiteral(
-        "This Velantor doesn't match either the hardware version or the barcode of the Velantor "
-        "previously connected!"));
+    ui->errorMessage->setText(
+        tr("This Velantor doesn't match either the hardware version or the barcode of the Velantor "
+           "previously connected!"));
     ui->errorIcon->show();
     ui->errorMessage->show();
     ui->okButton->setEnabled(true);
@@ -103,7 +103,7 @@ void CommunicationDialog::readSuccess()
         close();
     if (mode == ReadWriteRead) {
         if (finishedReads > 0) {
-            showEnd(QStringLiteral("Success!"), 100);
+            showEnd(tr("Success!"), 100);
             ui->okButton->setEnabled(true);
         }
         ++finishedReads;
@@ -121,7 +121,7 @@ void CommunicationDialog::writeSuccess()
     mayBeClosed = true;
     if (mode == WriteSettings) {
         ui->okButton->setEnabled(true);
-        showEnd(QStringLiteral("Success!"), 100);
+        showEnd(tr("Success!"), 100);
     } else {
         showWorking();
         read();
@@ -131,7 +131,7 @@ void CommunicationDialog::writeSuccess()
 
 void CommunicationDialog::writeFail()
 {
-    showEnd(QStringLiteral("Failed!"), 0);
+    showEnd(tr("Failed!"), 0);
     emit settingsWrite(false);
 
     // A crash of the uploader comes here while its process is still telling of it: until that is
@@ -156,7 +156,7 @@ void CommunicationDialog::reject()
 
 void CommunicationDialog::displayRequiredUi()
 {
-    setWindowTitle(QStringLiteral("Progress"));
+    setWindowTitle(tr("Progress"));
     ui->title->setText(titleOf(mode));
     ui->errorIcon->hide();
     ui->errorMessage->hide();
@@ -168,7 +168,7 @@ void CommunicationDialog::displayRequiredUi()
 void CommunicationDialog::showWorking()
 {
     ui->bar->setMaximum(0);
-    ui->status->setText(QStringLiteral("Working..."));
+    ui->status->setText(tr("Working..."));
 }
 
 void CommunicationDialog::showEnd(const QString &status, int percent)

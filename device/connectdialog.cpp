@@ -19,9 +19,9 @@ ConnectDialog::ConnectDialog(QWidget *parent)
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::ApplicationModal);
-    setWindowTitle(QStringLiteral("Connect"));
-    ui->dialogTitleLabel->setText(QStringLiteral("Connect to Velantor"));
-    ui->okButton->setText(QStringLiteral("Connect"));
+    setWindowTitle(tr("Connect"));
+    ui->dialogTitleLabel->setText(tr("Connect to Velantor"));
+    ui->okButton->setText(tr("Connect"));
     ui->okButton->setFocusPolicy(Qt::NoFocus);
     connect(ui->okButton, &QPushButton::clicked, this, &ConnectDialog::on_okButtonPressed);
 
@@ -35,7 +35,7 @@ ConnectDialog::ConnectDialog(QWidget *parent)
     connect(watcher, &COMDeviceWatcher::devicesRemoved, this,
             &ConnectDialog::onDevicesDisconnected);
     watcher->startWatching();
-    showStopped(QStringLiteral("Stopped"), 0);
+    showStopped(tr("Stopped"), 0);
 }
 
 ConnectDialog::~ConnectDialog() = default;
@@ -64,7 +64,7 @@ QString ConnectDialog::formatCOMPort(const QString &com)
 void ConnectDialog::on_okButtonPressed()
 {
     ui->okButton->setEnabled(false);
-    ui->status->setText(QStringLiteral("Working..."));
+    ui->status->setText(tr("Working..."));
     ui->progressBar->setRange(0, 0);
 
     const QString com = ui->comPortsDropdown->currentText();
@@ -78,7 +78,7 @@ void ConnectDialog::on_okButtonPressed()
 
 void ConnectDialog::connectSuccess()
 {
-    showStopped(QStringLiteral("Connected!"), 100);
+    showStopped(tr("Connected!"), 100);
     // The import may show boxes, and this dialog may go while they wait.
     const QPointer<ConnectDialog> guard(this);
     emit settingsRead();
@@ -89,8 +89,8 @@ void ConnectDialog::connectSuccess()
 void ConnectDialog::connectFail()
 {
     emit settingsWrite(false);
-    showStopped(QStringLiteral("Failed!"), 0);
-    ui->okButton->setText(QStringLiteral("Try Again"));
+    showStopped(tr("Failed!"), 0);
+    ui->okButton->setText(tr("Try Again"));
     ui->okButton->setEnabled(true);
 
     const QPointer<ConnectDialog> guard(this);
@@ -149,7 +149,7 @@ void ConnectDialog::addPortToDropdown(const QextPortInfo &port)
 
 void ConnectDialog::showNoPort()
 {
-    ui->errorMessage->setText(QStringLiteral("No COM Port available!"));
+    ui->errorMessage->setText(tr("No COM Port available!"));
     ui->okButton->setEnabled(false);
 }
 

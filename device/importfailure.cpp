@@ -5,39 +5,35 @@
 namespace UploadDownload
 {
 
-ImportFailure importFailure(int code)
+ImportFailure ImportFailure::of(int code)
 {
-    const QString title = QStringLiteral("Import from HEX status");
+    const QString title = tr("Import from HEX status");
     switch (code) {
     case 0:
-        return {
-            title, QMessageBox::Warning,
-            QStringLiteral("An error occurred while reading profiles from HEX. Please try again.")};
+        return {title, QMessageBox::Warning,
+                tr("An error occurred while reading profiles from HEX. Please try again.")};
     case 1:
         return {title, QMessageBox::Warning,
-                QStringLiteral("An error occurred while importing profiles from HEX: Invalid "
-                               "Checksum. Please check firmware version and try again.")};
+                tr("An error occurred while importing profiles from HEX: Invalid "
+                   "Checksum. Please check firmware version and try again.")};
     case 2:
         return {title, QMessageBox::Warning,
-                QStringLiteral("An error occurred while importing profiles from HEX: Invalid Type "
-                               "Field. Please try again.")};
+                tr("An error occurred while importing profiles from HEX: Invalid Type "
+                   "Field. Please try again.")};
     case 3:
         return {title, QMessageBox::Critical,
-                QStringLiteral("No page count when reading from Velantor! Please reset your "
-                               "Velantor so it can recover.")};
+                tr("No page count when reading from Velantor! Please reset your "
+                   "Velantor so it can recover.")};
     case 4:
-        return {
-            QStringLiteral("Outdated Profiles"), QMessageBox::Warning,
-            QStringLiteral("An error occurred while importing profiles.<br/><br/>This can happen "
-                           "when trying to connect to a Velantor with outdated firmware or "
-                           "outdated profiles. Please click <a href = \"") +
-                siteUrl(QStringLiteral("/velantor-suite-help#outdated_profiles")) +
-                QStringLiteral("\">here</a> for more information on how to upgrade to the latest "
-                               "firmware correctly.")};
+        return {tr("Outdated Profiles"), QMessageBox::Warning,
+                tr("An error occurred while importing profiles.<br/><br/>This can happen when "
+                   "trying to connect to a Velantor with outdated firmware or outdated profiles. "
+                   "Please click <a href = \"%1\">here</a> for more information on how to upgrade "
+                   "to the latest firmware correctly.")
+                    .arg(siteUrl(QStringLiteral("/velantor-suite-help#outdated_profiles")))};
     default:
         return {title, QMessageBox::Critical,
-                QStringLiteral(
-                    "An error occurred while importing profiles from HEX. Please try again.")};
+                tr("An error occurred while importing profiles from HEX. Please try again.")};
     }
 }
 

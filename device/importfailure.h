@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QMessageBox>
 #include <QString>
 
@@ -8,12 +9,15 @@ namespace UploadDownload
 
 /// What a box tells of an import that failed.
 struct ImportFailure {
+    Q_DECLARE_TR_FUNCTIONS(ImportFailure)
+
+public:
+    /// What to tell of the code that the import of a flash-stack image threw; any number is good.
+    static ImportFailure of(int code);
+
     QString title;
     QMessageBox::Icon icon;
     QString text; ///< may hold a link
 };
-
-/// What to tell of the code that the import of a flash-stack image threw; any number is good.
-ImportFailure importFailure(int code);
 
 } // namespace UploadDownload

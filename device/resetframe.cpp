@@ -1,5 +1,6 @@
 #include "device/resetframe.h"
 
+#include <QCoreApplication>
 #include <QThread>
 
 namespace UploadDownload
@@ -32,13 +33,16 @@ QString openFailureText(QSerialPort::SerialPortError error)
 {
     switch (error) {
     case QSerialPort::DeviceNotFoundError:
-        return QStringLiteral("<strong>Device Not Found error:<strong/><br/><br/>Could not find "
+        return QCoreApplication::translate(
+            "UploadDownload", "<strong>Device Not Found error:<strong/><br/><br/>Could not find "
                               "device requested!");
     case QSerialPort::PermissionError:
-        return QStringLiteral("<strong>Permissions error:</strong><br/><br/>Could not open serial "
+        return QCoreApplication::translate(
+            "UploadDownload", "<strong>Permissions error:</strong><br/><br/>Could not open serial "
                               "port because it was in use already!");
     default:
-        return QStringLiteral("<strong>Unknown error:</strong><br/><br/>Unknown error occurred "
+        return QCoreApplication::translate(
+            "UploadDownload", "<strong>Unknown error:</strong><br/><br/>Unknown error occurred "
                               "when trying to open the serial port!");
     }
 }

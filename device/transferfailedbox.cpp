@@ -1,5 +1,6 @@
 #include "device/transferfailedbox.h"
 
+#include <QCoreApplication>
 #include <QMessageBox>
 
 namespace UploadDownload
@@ -8,9 +9,10 @@ namespace UploadDownload
 QMessageBox *newTransferFailedBox(QWidget *parent)
 {
     auto *box = new QMessageBox(parent);
-    box->setWindowTitle(QStringLiteral("Failed!"));
+    box->setWindowTitle(QCoreApplication::translate("UploadDownload", "Failed!"));
     box->setIcon(QMessageBox::Warning);
-    box->setText(QStringLiteral(
+    box->setText(QCoreApplication::translate(
+        "UploadDownload",
         "<p>Please make sure to select the correct COM port, that the Velantor is in bootloader "
         "mode, and that you are connected to the computer, and try again.</p>"
         "<p>To enter bootloader when the Velantor is on, hold down both buttons to enter the setup "

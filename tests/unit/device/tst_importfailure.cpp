@@ -3,7 +3,6 @@
 #include <QtTest>
 
 using UploadDownload::ImportFailure;
-using UploadDownload::importFailure;
 
 class ImportFailureTest : public QObject
 {
@@ -64,7 +63,7 @@ void ImportFailureTest::tellsOfEachCode()
     QFETCH(QString, text);
     // The site of the build may be another one than the usual.
     qputenv("VELANTOR_SITE", "https://www.velantor.example");
-    const ImportFailure shown = importFailure(code);
+    const ImportFailure shown = ImportFailure::of(code);
     QCOMPARE(shown.title, title);
     QCOMPARE(int(shown.icon), icon);
     QCOMPARE(shown.text, text);
@@ -73,7 +72,7 @@ void ImportFailureTest::tellsOfEachCode()
 void ImportFailureTest::linkFollowsTheSite()
 {
     qputenv("VELANTOR_SITE", "http://mirror.example");
-    QVERIFY(importFailure(4).text.contains(QStringLiteral(
+    QVERIFY(ImportFailure::of(4).text.contains(QStringLiteral(
         "<a href = \"http://mirror.example/velantor-suite-help#outdated_profiles\">here</a>")));
 }
 
