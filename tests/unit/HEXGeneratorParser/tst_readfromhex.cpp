@@ -751,15 +751,20 @@ void ReadFromHEXTest::readsWhatWasWritten()
 
     reader = std::make_unique<ReadFromHEX>();
     QVERIFY(reader->read(file, wordAddress));
-    Log log;
-    try {
-        log = parse();
-    } catch (int code) {
+    const QMap<QString, int> sizes = {
+        {q("Page counter"), 4},   {q("Version"), 4},       {q("Global settings"), 32},
+        {q("Profile stats"), 28}, {q("Lithium"), 60},      {q("Nickel"), 68},
+        {q("Lead"), 56},          {q("Global stats"), 40}, {q("Hardware Version"), 4},
+        {q("Barcode"), 12}};
+    int size = 0;
+    for (const StructSettings *element : qAsConst(expected))
+        size += sizes.value(element->getDescriptiveName());
+    if (size % 256 == 0) {
         // A page of whole rows has no blank word behind it, see wholeRowsHaveNoEndOfLog().
-        QCOMPARE(code, 4);
-        QCOMPARE(directory->read(file).count(":10") % 16, 0);
-        QSKIP("a page of whole rows");
+        QVERIFY_EXCEPTION_THROWN(parse(), int);
+        return;
     }
+    const Log log = parse();
     QCOMPARE(log.size(), expected.size());
     for (int i = 0; i < log.size(); ++i) {
         QCOMPARE(log.at(i).value(q("name")), expected.at(i)->getDescriptiveName());
