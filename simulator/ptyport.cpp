@@ -134,17 +134,21 @@ void PtyPort::discardUnread()
     ::ioctl(slave, TIOCNXCL);
 }
 
-std::chrono::nanoseconds PtyPort::byteTime() const
+unsigned PtyPort::baud() const
 {
-    unsigned baud = fallbackBaud;
     termios settings;
     if (::tcgetattr(slave, &settings) == 0) {
         for (const Rate &rate : rates) {
             if (rate.speed == ::cfgetospeed(&settings))
-                baud = rate.baud;
+                return rate.baud;
         }
     }
-    return std::chrono::nanoseconds(1000000000LL * bitsPerByte / baud);
+    return fallbackBaud;
+}
+
+std::chrono::nanoseconds PtyPort::byteTime() const
+{
+    return std::chrono::nanoseconds(1000000000LL * bitsPerByte / baud());
 }
 
 } // namespace simulator

@@ -43,7 +43,9 @@ public:
     /// Throws away what no client has read, as a serial port does when it is closed.
     void discardUnread();
 
-    /// Time of one byte of ten bits at the baud rate that the client has set.
+    /// The baud rate that the client has set.
+    unsigned baud() const;
+    /// Time of one byte of ten bits at that rate.
     std::chrono::nanoseconds byteTime() const;
 
 private:

@@ -183,6 +183,7 @@ bool Simulation::plug(std::string *error)
     if (!port)
         return false;
     announcement = std::make_unique<Announcement>(runtimeDirectory(), port->bareName());
+    loggedBaud = 0;
     log.note("plugged in");
     return true;
 }
@@ -205,16 +206,28 @@ void Simulation::servePort()
         // What the last client wrote before it closed the port is still on its way; but with a new
         // client there already, bytes that wait are the new one's.
         if (!port->hasClient())
-            line.fromClient(port->read(), Line::Clock::now());
+            receive();
         line.clientGone();
         port->discardUnread();
     }
-    line.fromClient(port->read(), Line::Clock::now());
+    receive();
     port->write(line.advance(Line::Clock::now(), byteTime()));
     if (line.takeUnplugged()) {
         unplug();
         ending = !controlSocket;
     }
+}
+
+void Simulation::receive()
+{
+    const Bytes bytes = port->read();
+    if (bytes.empty())
+        return;
+    if (port->baud() != loggedBaud) {
+        loggedBaud = port->baud();
+        log.note(std::to_string(loggedBaud) + " baud");
+    }
+    line.fromClient(bytes, Line::Clock::now());
 }
 
 void Simulation::followMode()

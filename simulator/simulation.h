@@ -39,6 +39,7 @@ private:
     bool plug(std::string *error);
     void unplug();
     void servePort();
+    void receive();
     void followMode();
     /// Milliseconds until something is due, -1 for nothing.
     int timeout() const;
@@ -56,6 +57,7 @@ private:
     std::unique_ptr<ControlSocket> controlSocket;
     std::optional<Line::Clock::time_point> reenterAt;
     Charger::Mode followedMode = Charger::Mode::Bootloader;
+    unsigned loggedBaud = 0;
     bool ending = false;
 };
 

@@ -117,7 +117,7 @@ void SimulatorProcessTest::answersAndEchoes()
     client.send(versionFrame);
     QTRY_COMPARE(client.received(), versionFrame + versionReply);
     QCOMPARE(simulator.commands(), QStringList{QStringLiteral("version")});
-    const QStringList expected{QStringLiteral("--  plugged in"),
+    const QStringList expected{QStringLiteral("--  plugged in"), QStringLiteral("--  38400 baud"),
                                QStringLiteral("in  version 55 55 00 02 FE 04"),
                                QStringLiteral("out version 55 55 00 02 00 00 01 06 F7 04")};
     QCOMPARE(simulator.log(), expected);
@@ -139,7 +139,7 @@ void SimulatorProcessTest::losesWhatNoClientRead()
     {
         Client client(simulator.port());
         client.send(versionFrame + QByteArray::fromHex("5555"));
-        QTRY_COMPARE(simulator.log().size(), 3);
+        QTRY_COMPARE(simulator.log().size(), 4);
     }
     Client next(simulator.port());
     next.send(versionFrame);
