@@ -135,9 +135,10 @@ int bootloader_writerow(const unsigned char *row, unsigned char *buffer, bootloa
     if (wordAddress > highestAddress)
         return commandFailed;
     if (isEeprom) {
-        if (bldr.eepromWordSize == 0 || size / bldr.eepromWordSize > mostUnits)
+        const std::uint32_t words = bldr.eepromWordSize == 0 ? 0 : size / bldr.eepromWordSize;
+        if (words == 0 || words > mostUnits)
             return commandFailed;
-        cmd[1] = static_cast<unsigned char>(size / bldr.eepromWordSize);
+        cmd[1] = static_cast<unsigned char>(words);
     }
     setAddress(cmd, wordAddress);
     std::uint32_t length = 0;
@@ -150,7 +151,7 @@ std::uint32_t bootloader_read(unsigned char *buffer, std::uint32_t wordCount,
                               std::uint32_t wordAddress, unsigned char highByte, int port,
                               bool isEeprom, bootloader_t bldr)
 {
-    if (wordCount > mostUnits || wordAddress > 0xFFFF)
+    if (wordCount == 0 || wordCount > mostUnits || wordAddress > 0xFFFF)
         return readFailed;
     unsigned char *cmd = isEeprom ? READEEPROM_CMD : READ_CMD;
     cmd[1] = static_cast<unsigned char>(wordCount);

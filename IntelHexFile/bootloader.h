@@ -104,8 +104,8 @@ int bootloader_writerow(const unsigned char *row, unsigned char *buffer, bootloa
                         std::uint32_t wordAddress, int port, bool isEeprom);
 
 /// Reads words; the data stand from byte readDataOffset of buffer on. Returns the reply's length,
-/// or readFailed, which is also the answer for what a command cannot name: more than 255 words, or
-/// word addresses of more than 16 bits.
+/// or readFailed, which is also the answer for what a command cannot name: no words or more than
+/// 255, or word addresses of more than 16 bits.
 std::uint32_t bootloader_read(unsigned char *buffer, std::uint32_t wordCount,
                               std::uint32_t wordAddress, unsigned char highByte, int port,
                               bool isEeprom, bootloader_t bldr);

@@ -8,11 +8,20 @@ namespace Uploader
 {
 using namespace IntelHexFile;
 
+namespace
+{
+/// A row, or a line of text where that is longer.
+std::uint32_t spareEeprom(const bootloader_t &bldr)
+{
+    constexpr std::uint32_t line = 16;
+    return hasEeprom(bldr) ? std::max({bldr.eepromRowSize, bldr.eepromVerifyRowSize, line}) : line;
+}
+
+} // namespace
+
 Image::Image(const bootloader_t &bldr)
     : flash(flashImageSize + std::max(bldr.rowSize, bldr.verifyRowSize)),
-      eeprom(eepromImageSize + (Uploader::hasEeprom(bldr)
-                                    ? std::max(bldr.eepromRowSize, bldr.eepromVerifyRowSize)
-                                    : 0))
+      eeprom(eepromImageSize + spareEeprom(bldr))
 {
     fillhexbuffer(flash.data(), static_cast<std::uint32_t>(flash.size()), bldr.flashFiller,
                   bldr.flashFillerSize);

@@ -13,6 +13,8 @@ namespace
 {
 using namespace IntelHexFile;
 
+constexpr std::uint32_t lineBytes = 16;
+
 /// Byte indices of an image, the end excluded.
 struct ByteRange {
     std::uint64_t from = 0;
@@ -87,11 +89,13 @@ bool save(std::FILE *file, ByteRange flash, ByteRange eeprom, const Image &image
         result |= makenewhexfile(image.flash.data(), static_cast<std::uint32_t>(flash.to), file,
                                  bldr.flashFiller, bldr.flashFillerSize, bldr.rowSize,
                                  bldr.verifyRowSize, 0);
-    if (!eeprom.isEmpty())
-        result |=
-            makenewhexfile(image.eeprom.data(), static_cast<std::uint32_t>(eeprom.to), file,
-                           bldr.eepromFiller, bldr.eepromFillerSize, bldr.eepromRowSize,
-                           bldr.eepromVerifyRowSize, static_cast<std::uint32_t>(bldr.eepromStart));
+    if (!eeprom.isEmpty()) {
+        // Rows of an EEPROM may be shorter than a line of text, which reads 16 bytes always.
+        const std::uint64_t lines = (eeprom.to + lineBytes - 1) / lineBytes;
+        result |= makenewhexfile(image.eeprom.data(), static_cast<std::uint32_t>(lines * lineBytes),
+                                 file, bldr.eepromFiller, bldr.eepromFillerSize, lineBytes,
+                                 lineBytes, static_cast<std::uint32_t>(bldr.eepromStart));
+    }
     std::fputs(":00000001FF", file);
     return result == 0 && !std::ferror(file);
 }

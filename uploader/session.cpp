@@ -29,6 +29,10 @@ const char *complaintAbout(const bootloader_t &bldr)
         return "Flash end address cannot lie inside the bootloader!";
     if (bldr.eepromMaxSize == 0)
         return nullptr;
+    if (bldr.eepromAddressSize == 0)
+        return "EEPROM Address size cannot be 0 if eeprom exists!";
+    if (bldr.eepromFillerSize == 0)
+        return "EEPROM Filler byte size cannot be 0 if eeprom exists!";
     if (bldr.eepromVerifyRowSize == 0)
         return "EEPROM Verify row size cannot be 0 if eeprom exists!";
     if (bldr.eepromRowSize > eepromImageSize || bldr.eepromVerifyRowSize > eepromImageSize)
