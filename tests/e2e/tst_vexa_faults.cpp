@@ -108,7 +108,7 @@ void VexaFaultsTest::chargerMisbehaves_data()
         << S("wrong-reply=10@erase") << erasing
         << versionText + "cmd does not match!16 != 3\nErase range failed!";
     QTest::newRow("erase of a charger that is too slow")
-        << S("slow-erase=5") << erasing << versionText + "\nTimeout!\nErase range failed!";
+        << S("slow-erase=300") << erasing << versionText + "\nTimeout!\nErase range failed!";
 
     QTest::newRow("no answer to the second row")
         << S("silent@write:2") << writing
