@@ -203,6 +203,19 @@ void Formula::attachSettingValueChangedSignals()
     root->attachSettingValueChangedSignals(this);
 }
 
+void Formula::follow(const StructSetting *setting)
+{
+    followed.append(connect(setting, &StructSetting::valueChanged, this,
+                            &Formula::on_memberSettingValueChanged));
+}
+
+void Formula::detachSettingValueChangedSignals()
+{
+    for (const QMetaObject::Connection &connection : qAsConst(followed))
+        disconnect(connection);
+    followed.clear();
+}
+
 QStringList Formula::getDependeeSettingsNames(const FormulaNode *node) const
 {
     if (const auto *variable = qobject_cast<const FormulaNodeVar *>(node)) {

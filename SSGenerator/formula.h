@@ -40,6 +40,10 @@ public:
     bool setFormula(const QString &newText, const QList<StructSetting *> &settings);
     /// Connects every setting named in the tree to this formula, once per mention.
     void attachSettingValueChangedSignals();
+    /// Connects one setting; its nodes call this for attachSettingValueChangedSignals().
+    void follow(const StructSetting *setting);
+    /// Ends all connections to settings that were made so far.
+    void detachSettingValueChangedSignals();
 
     /// Display names of the settings named below node, left before right, repeats included.
     QStringList getDependeeSettingsNames(const FormulaNode *node) const;
@@ -61,6 +65,8 @@ public slots:
 private:
     QString text;
     std::unique_ptr<FormulaNode> root;
+    /// To the settings of the tree at the time of attaching; a later tree may name others.
+    QList<QMetaObject::Connection> followed;
 };
 
 } // namespace HParser

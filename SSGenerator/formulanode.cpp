@@ -40,7 +40,7 @@ QString FormulaNodeVar::getFormulaNodeType() const
 
 void FormulaNodeVar::attachSettingValueChangedSignals(Formula *formula)
 {
-    connect(setting, &StructSetting::valueChanged, formula, &Formula::on_memberSettingValueChanged);
+    formula->follow(setting);
 }
 
 void FormulaNodeMathOp::setOpType(char sign)

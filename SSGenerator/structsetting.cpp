@@ -304,6 +304,17 @@ void StructSetting::attachMemberFormulaSignalsToThisSettingsSlot()
     }
 }
 
+void StructSetting::detachFormulaSignals()
+{
+    if (settingKind != SettingKind::Num)
+        return;
+    for (Formula *formula : {lowerBound, upperBound, scale, decimals, defaultFormula}) {
+        formula->detachSettingValueChangedSignals();
+        disconnect(formula, &Formula::memberSettingChanged, this,
+                   &StructSetting::on_formulasMemberSettingChanged);
+    }
+}
+
 bool StructSetting::setFormulaTrees(const StructSetting *other,
                                     const QList<StructSetting *> &settings)
 {

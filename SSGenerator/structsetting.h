@@ -76,6 +76,8 @@ public:
     void buildFormulaTrees(const QList<StructSetting *> &settings);
     void attachMemberSettingSignalsToContainerFormulaSlots();
     void attachMemberFormulaSignalsToThisSettingsSlot();
+    /// Takes back what the two functions above have connected, however often they ran.
+    void detachFormulaSignals();
     /// Takes default, bounds, scale and decimals of other, with names looked up in settings, and
     /// re-applies the value held. False: the value did not fit.
     bool setFormulaTrees(const StructSetting *other, const QList<StructSetting *> &settings);

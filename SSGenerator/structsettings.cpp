@@ -92,6 +92,10 @@ bool StructSettings::compare(const StructSettings *other) const
 
 void StructSettings::buildFormulaTrees()
 {
+    // Every import from a charger builds anew. Connections that added up would make a setting
+    // follow one change as many times as there were builds, squared.
+    for (StructSetting *setting : originalOrderStructSettings)
+        setting->detachFormulaSignals();
     for (StructSetting *setting : originalOrderStructSettings)
         setting->buildFormulaTrees(originalOrderStructSettings);
     for (StructSetting *setting : originalOrderStructSettings)

@@ -47,6 +47,7 @@ public:
     bool compare(const StructSettings *other) const;
 
     /// Builds all formulas, joins them to the settings that they name, and applies the defaults.
+    /// May run again at any time: what an earlier run has joined is parted first.
     void buildFormulaTrees();
     /// A new struct without trees and values; the caller owns it and calls buildFormulaTrees().
     StructSettings *deepCopy() const;
