@@ -20,6 +20,14 @@ struct Image {
     bool hasEeprom = false; ///< there was data for the EEPROM
 };
 
+/// Byte indices of an image, the end excluded.
+struct ByteRange {
+    std::uint64_t from = 0;
+    std::uint64_t to = 0;
+
+    bool isEmpty() const { return from >= to; }
+};
+
 /// Whether the device has EEPROM at all.
 bool hasEeprom(const IntelHexFile::bootloader_t &bldr);
 

@@ -12,13 +12,7 @@ namespace
 {
 using namespace IntelHexFile;
 
-/// Byte indices of an image, the end excluded.
-struct ByteRange {
-    std::uint32_t from = 0;
-    std::uint32_t to = 0;
-};
-
-std::uint32_t flashAddress(std::uint32_t byteIndex, const bootloader_t &bldr)
+std::uint32_t flashAddress(std::uint64_t byteIndex, const bootloader_t &bldr)
 {
     return static_cast<std::uint32_t>(wordAddressOf(byteIndex, bldr));
 }
@@ -64,8 +58,7 @@ ByteRange flashToWrite(const Options &options, const bootloader_t &bldr, const I
         range.high = bldr.flashEnd;
     }
     const auto index = [&bldr](std::uint32_t wordAddress) {
-        return static_cast<std::uint32_t>(
-            std::min<std::uint64_t>(byteIndexOf(wordAddress, bldr), flashEndIndex(bldr)));
+        return std::min<std::uint64_t>(byteIndexOf(wordAddress, bldr), flashEndIndex(bldr));
     };
     bytes.from = index(range.low);
     bytes.to = std::max(bytes.from, index(range.high));
@@ -81,9 +74,8 @@ End writeFlash(ByteRange bytes, const bootloader_t &bldr, const Image &image)
     for (std::uint64_t i = bytes.from; i < bytes.to; i += bldr.rowSize) {
         const unsigned char *row = image.flash.data() + i;
         const bool blank = isFilled(row, bldr.rowSize, bldr.flashFiller, bldr.flashFillerSize);
-        if (!blank &&
-            bootloader_writerow(row, reply, bldr, flashAddress(static_cast<std::uint32_t>(i), bldr),
-                                portNumber, false) != commandDone) {
+        if (!blank && bootloader_writerow(row, reply, bldr, flashAddress(i, bldr), portNumber,
+                                          false) != commandDone) {
             std::printf("write fail!");
             return 1;
         }
@@ -118,11 +110,10 @@ End writeEeprom(const bootloader_t &bldr, const Image &image)
 
 End verifyFlash(const bootloader_t &bldr, const Image &image)
 {
-    const ByteRange bytes{flashStartIndex(bldr), image.flashTop};
     std::printf("\nNow verifying flash from %x to %x word address\n",
-                flashAddress(bytes.from, bldr), flashAddress(bytes.to, bldr));
-    if (bootloader_verify(bytes.from, bytes.to, image.flash.data(), portNumber, bldr.verifyRowSize,
-                          false, bldr) != verified)
+                flashAddress(flashStartIndex(bldr), bldr), flashAddress(image.flashTop, bldr));
+    if (bootloader_verify(flashStartIndex(bldr), image.flashTop, image.flash.data(), portNumber,
+                          bldr.verifyRowSize, false, bldr) != verified)
         return 1;
     std::printf("\nVerified Flash OK!");
     return std::nullopt;

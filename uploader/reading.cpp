@@ -15,14 +15,6 @@ using namespace IntelHexFile;
 
 constexpr std::uint32_t lineBytes = 16;
 
-/// Byte indices of an image, the end excluded.
-struct ByteRange {
-    std::uint64_t from = 0;
-    std::uint64_t to = 0;
-
-    bool isEmpty() const { return from >= to; }
-};
-
 /// Reads whole rows from the beginning of bytes on, until its end is passed. The memory has room
 /// for one row beyond its size.
 End readRows(ByteRange bytes, bool isEeprom, const bootloader_t &bldr,

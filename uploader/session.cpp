@@ -14,6 +14,7 @@ using namespace IntelHexFile;
 
 const char *const deviceTable = "device.txt";
 constexpr std::uint32_t versionBaud = 9600;
+constexpr std::uint32_t longestFiller = sizeof bootloader_t::flashFiller;
 
 /// What makes a record useless that reads well; a null pointer when nothing does. Beyond this point
 /// every row fits an image and every loop over one comes to its end.
@@ -25,6 +26,8 @@ const char *complaintAbout(const bootloader_t &bldr)
         return "Flash Verify row size cannot be 0!";
     if (bldr.rowSize > flashImageSize || bldr.verifyRowSize > flashImageSize)
         return "Flash Row size cannot exceed the image!";
+    if (bldr.flashFillerSize > longestFiller)
+        return "Flash Filler byte size cannot exceed 4!";
     if (bldr.flashEnd < bldr.bootloaderEnd)
         return "Flash end address cannot lie inside the bootloader!";
     if (bldr.eepromMaxSize == 0)
@@ -33,6 +36,8 @@ const char *complaintAbout(const bootloader_t &bldr)
         return "EEPROM Address size cannot be 0 if eeprom exists!";
     if (bldr.eepromFillerSize == 0)
         return "EEPROM Filler byte size cannot be 0 if eeprom exists!";
+    if (bldr.eepromFillerSize > longestFiller)
+        return "EEPROM Filler byte size cannot exceed 4!";
     if (bldr.eepromVerifyRowSize == 0)
         return "EEPROM Verify row size cannot be 0 if eeprom exists!";
     if (bldr.eepromRowSize > eepromImageSize || bldr.eepromVerifyRowSize > eepromImageSize)

@@ -280,6 +280,8 @@ void VexaTest::uselessRecords_data()
         << 8 << QByteArray("0x030100") << QByteArray("Flash Row size cannot exceed the image!");
     QTest::newRow("no number for a row")
         << 8 << QByteArray("many") << QByteArray("Flash Row size cannot exceed the image!");
+    QTest::newRow("filler longer than its value")
+        << 13 << QByteArray("5") << QByteArray("Flash Filler byte size cannot exceed 4!");
     QTest::newRow("flash ends below the bootloader")
         << 3 << QByteArray("0x0800")
         << QByteArray("Flash end address cannot lie inside the bootloader!");
