@@ -63,8 +63,11 @@ QByteArray FlashPage::toHex(const QByteArray &fileBytes, int wordAddress)
 QByteArray FlashPage::number(qint64 value, int width)
 {
     QByteArray bytes;
-    for (int i = 0; i < width; ++i)
-        bytes += static_cast<char>(static_cast<unsigned char>(quint64(value) >> (8 * i) & 0xFF));
+    auto rest = static_cast<quint64>(value);
+    for (int i = 0; i < width; ++i) {
+        bytes += static_cast<char>(static_cast<unsigned char>(rest & 0xFF));
+        rest >>= 8;
+    }
     return bytes;
 }
 

@@ -20,7 +20,7 @@ public:
     /// The same for any bytes in file order.
     static QByteArray toHex(const QByteArray &fileBytes, int wordAddress);
 
-    /// value as a little-endian number of this many bytes.
+    /// value as a little-endian number of this many bytes; behind the eighth there are zeros.
     static QByteArray number(qint64 value, int width);
     /// A field of this many bytes that begins with text and is filled up with zeros.
     static QByteArray text(const QByteArray &text, int width);
