@@ -109,8 +109,12 @@ bool HEXBuffer::writeToFile(const QString &fileName, int startAddress) const
 
     const QByteArray text = toIntelHex(rows, buffer.size(), startAddress);
     QSaveFile file(fileName);
-    return !text.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(text) == text.size() &&
-           file.commit();
+    // Where a folder takes no new files, an existing one may still be written.
+    file.setDirectWriteFallback(true);
+    if (text.isEmpty() || !file.open(QIODevice::WriteOnly))
+        return false;
+    // Flushed by hand: commit() puts a file in place although what it flushes found no room.
+    return file.write(text) == text.size() && file.flush() && file.commit();
 }
 
 unsigned char HEXBuffer::getByte(int index) const

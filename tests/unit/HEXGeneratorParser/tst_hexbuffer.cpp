@@ -7,6 +7,10 @@
 #include <QFileInfo>
 #include <QtTest>
 
+#include <csignal>
+
+#include <sys/resource.h>
+
 using HEXGeneratorParser::HEXBuffer;
 
 namespace
@@ -59,6 +63,7 @@ private slots:
     void writesIntelHex();
     void leavesOutBlankRows();
     void unwritableFile();
+    void replacesAFile();
     void failedWriteKeepsTheFormerFile();
 };
 
@@ -265,7 +270,7 @@ void HEXBufferTest::unwritableFile()
     QVERIFY(!buffer.writeToFile(directory.path(), 0x9C00));
 }
 
-void HEXBufferTest::failedWriteKeepsTheFormerFile()
+void HEXBufferTest::replacesAFile()
 {
     const WorkingDirectory directory;
     directory.write(QStringLiteral("image.hex"), "former");
@@ -273,6 +278,27 @@ void HEXBufferTest::failedWriteKeepsTheFormerFile()
     buffer.appendByte(1);
     QVERIFY(buffer.writeToFile(QStringLiteral("image.hex"), 0x9C00));
     QVERIFY(directory.read(QStringLiteral("image.hex")).startsWith(":02"));
+    QCOMPARE(QDir().entryList(QDir::Files), QStringList{QStringLiteral("image.hex")});
+}
+
+void HEXBufferTest::failedWriteKeepsTheFormerFile()
+{
+    const WorkingDirectory directory;
+    directory.write(QStringLiteral("image.hex"), "former");
+    HEXBuffer buffer(2048);
+    buffer.appendByte(1);
+
+    // As on a full disk: files of this process cannot grow beyond 64 bytes.
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit tight{64, before.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &tight);
+    const bool written = buffer.writeToFile(QStringLiteral("image.hex"), 0x9C00);
+    setrlimit(RLIMIT_FSIZE, &before);
+
+    QVERIFY(!written);
+    QCOMPARE(directory.read(QStringLiteral("image.hex")), QByteArray("former"));
     QCOMPARE(QDir().entryList(QDir::Files), QStringList{QStringLiteral("image.hex")});
 }
 

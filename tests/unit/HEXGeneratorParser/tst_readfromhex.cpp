@@ -793,7 +793,9 @@ void ReadFromHEXTest::wholeRowsHaveNoEndOfLog()
 
 void ReadFromHEXTest::cutFiles()
 {
-    const QByteArray text = FlashPage().add(pageCounter).add(lithium).add(version(2)).toHex();
+    FlashPage page;
+    page.add(pageCounter).add(lithium).add(version(2)).addRaw("\xFF");
+    const QByteArray text = FlashPage::toHex(page.fileBytes(), wordAddress);
     // The last line needs no end of its own.
     for (int length = 0; length < text.size() - 1; ++length) {
         store(text.left(length));
