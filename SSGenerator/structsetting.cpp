@@ -178,7 +178,8 @@ bool StructSetting::setValue(double wanted)
     numValue = rounded;
     shownNumber.reset();
     emit valueChanged();
-    return wanted == fitting || !(advancedEnabled || isBasic);
+    // A bound may be finer than the decimals: what rounding gives back was not changed.
+    return wanted == fitting || wanted == rounded || !(advancedEnabled || isBasic);
 }
 
 void StructSetting::setValue(bool wanted)

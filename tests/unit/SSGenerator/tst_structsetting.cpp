@@ -488,6 +488,16 @@ void TestStructSetting::reportsWhetherAValueFits()
     QVERIFY(!setting->setValue(0.0));
     QCOMPARE(setting->getNumber(), 1.0);
     QVERIFY(!setting->setValue(qQNaN()));
+
+    // The bound has two decimals, the setting one: 40.8 is what a user gets at the bound, and comes
+    // back from the charger as 40.8.
+    const Setting fine = numberWith("1", "40.77", "1", "4");
+    QVERIFY(!fine->setValue(50.0));
+    QCOMPARE(fine->getValue(), QStringLiteral("40.8"));
+    QVERIFY(fine->setValue(4.0));
+    QVERIFY(fine->setValue(40.8));
+    QVERIFY(fine->setValue(4.0));
+    QVERIFY(!fine->setValue(40.9));
 }
 
 void TestStructSetting::followsTheDefaultWhileNotOverridden()
