@@ -25,6 +25,8 @@ namespace
 {
 constexpr int blankType = 255;
 constexpr int newestOutdatedType = 2;
+/// Bytes of a row that is left out of a HEX file while it is blank.
+constexpr int rowSize = 256;
 
 const QString nameKey = QStringLiteral("name");
 const QString checksumKey = QStringLiteral("checksum");
@@ -74,6 +76,21 @@ QString readMember(HexBufferRead *reader, const HParser::StructSetting *setting)
         break;
     }
     return QString();
+}
+
+/// Whoever writes a HEX file leaves blank rows out. A log that fills its last row to the brim is
+/// then followed by nothing, where the charger has the blank word that ends it: the rows of the
+/// page behind the file's last one are blank again. A page without any row of its own stays as it
+/// is, and so does one that was cut off within a row.
+void fillLeftOutRows(unsigned char *image, qint64 top, qint64 pageStart)
+{
+    constexpr unsigned char blankWord[] = {0xFF, 0xFF, 0xFF, 0x00};
+    const qint64 pageEnd =
+        qMin(pageStart + HexUtility::pageSize, qint64(IntelHexFile::flashImageSize));
+    if (pageStart < 0 || top <= pageStart || (top - pageStart) % rowSize != 0)
+        return;
+    for (qint64 address = top; address < pageEnd; ++address)
+        image[address] = blankWord[address % 4];
 }
 
 /// The properties of the element behind its type byte. Throws ChecksumMismatch.
@@ -149,6 +166,7 @@ bool ReadFromHEX::read(const QString &fileName, int wordAddress)
     const std::uint32_t top = IntelHexFile::loadhexfile(memoryImage.get(), unusedEeprom.get(), file,
                                                         &eepromSeen, &eepromTop, 0, 0);
     std::fclose(file);
+    fillLeftOutRows(memoryImage.get(), top, 2 * qint64(wordAddress));
 
     // A page outside the image reads as one that the file does not mention.
     const qint64 start = 2 * qint64(wordAddress);
