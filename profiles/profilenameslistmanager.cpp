@@ -139,6 +139,9 @@ void ProfileNamesListManager::on_profileReadyForImport(ProfileSettings *settings
     if (defaultStatus && !defaultProfile) {
         item->profileName->setDefault(true);
         defaultProfile = item;
+        // The charger holds the mark as well, so it is no change to be marked.
+        item->profileName->saveCurrentValuesAsOriginal();
+        item->profileName->settingValueChanged();
     }
 }
 
