@@ -1,0 +1,405 @@
+#include "app/mainwindow.h"
+
+#include "HEXGeneratorParser/hexmanager.h"
+#include "HEXGeneratorParser/hexutility.h"
+#include "HEXGeneratorParser/selfcheck.h"
+#include "ImportProfiles/importprofilesmain.h"
+#include "SSGenerator/generator.h"
+#include "app/filenames.h"
+#include "app/messagedialogs.h"
+#include "app/panelayout.h"
+#include "app/versionstringchecks.h"
+#include "app/workingfiles.h"
+#include "bundles/velantorbundlemanager.h"
+#include "device/uploaddownloadmanager.h"
+#include "profiles/profilenameslistmanager.h"
+#include "profiles/profilesettings.h"
+#include "ui_mainwindow.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QIcon>
+#include <QLabel>
+#include <QResizeEvent>
+#include <QStyle>
+
+#include <cstdlib>
+
+namespace
+{
+/// An empty widget for the tool bar, of a fixed width.
+QWidget *spacer(int width, QWidget *parent)
+{
+    auto *widget = new QWidget(parent);
+    widget->setFixedWidth(width);
+    return widget;
+}
+
+/// An empty widget for the tool bar that takes all the room there is.
+QWidget *expandingSpacer(QWidget *parent)
+{
+    auto *widget = new QWidget(parent);
+    widget->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    return widget;
+}
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent), ui(std::make_unique<Ui::MainWindow>())
+{
+    runTests();
+    setWorkingDirectory();
+    WorkingFiles::unpackTools();
+    WorkingFiles::unpackDefaultProfiles();
+
+    bundleManager = std::make_unique<VelantorBundleManager>(this);
+    bundleManager->extractLatestValidBundle();
+    installationChecks();
+    startupChecksPassed = true;
+
+    generator = new HParser::Generator(nullptr);
+    generator->setHFileLocation(MASTER_SS_FILE_NAME);
+    generator->setTooltipFileLoc(TOOLTIP_FILE_NAME);
+    generator->parseSSAndTooltips();
+    connect(this, &MainWindow::disconnectVelantor, generator,
+            &HParser::Generator::loadMasterSSFile);
+
+    ui->setupUi(this);
+    panes = std::make_unique<PaneLayout>(ui.get());
+    setWindowTitle(tr("Velantor Software Suite") + tr(" For Firmware v1.0+"));
+    setButtonIcons();
+    createManagers();
+    connectManagers();
+    extraUIAdditions();
+    connectActions();
+    hideWhatIsNotThereYet();
+    resize(size());
+}
+
+MainWindow::~MainWindow()
+{
+    // The rows and the managers hold structs of the schema: they go first.
+    delete centralWidget();
+    delete generator;
+}
+
+void MainWindow::runTests()
+{
+    Q_ASSERT(HEXGeneratorParser::HexUtility::machineIsLittleEndian());
+    HEXGeneratorParser::runWriteToHexChecks();
+    HEXGeneratorParser::runHexBufferChecks();
+    HEXGeneratorParser::runHexUtilityChecks();
+    runVersionStringChecks();
+}
+
+void MainWindow::setWorkingDirectory()
+{
+    if (!WorkingFiles::enterWorkingDirectory()) {
+        MessageDialogs::mainFolderNotFound(this);
+        std::exit(1);
+    }
+}
+
+void MainWindow::installationChecks()
+{
+    if (!QFile::exists(MASTER_SS_FILE_NAME)) {
+        MessageDialogs::ssFileMissing(this);
+        std::exit(1);
+    }
+    WorkingFiles::makeSavedProfilesDirectory();
+    if (!QFile::exists(VEXA_FILE_NAME)) {
+        MessageDialogs::vexaMissing(this);
+        std::exit(1);
+    }
+    if (!QFile::exists(FILE_FOR_VEXA_NAME)) {
+        MessageDialogs::deviceTxtMissing(this);
+        std::exit(1);
+    }
+}
+
+void MainWindow::setButtonIcons()
+{
+    ui->addProfileButton->setIcon(QIcon(QStringLiteral(":/new/images/new_file.ico")));
+    ui->openProfilesXML->setIcon(style()->standardIcon(QStyle::SP_DialogOpenButton));
+    ui->saveProfilesXML->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
+    ui->deleteAllProfiles->setIcon(style()->standardIcon(QStyle::SP_DialogDiscardButton));
+}
+
+void MainWindow::createManagers()
+{
+    listManager = new ProfileNamesListManager(this, ui->profileNamesList, ui->addProfileButton,
+                                              ui->unitSettingsDisplay, ui->profileNameUpButton,
+                                              ui->profileNameDownButton, generator);
+    importer = new ImportProfiles::ImportProfilesMain(this, generator, this);
+    hexManager =
+        new HEXGeneratorParser::HEXManager(this, ui->profileNamesList, generator, importer, this);
+    uploadDownload = new UploadDownload::UploadDownloadManager(hexManager, this);
+}
+
+/// Receivers of one signal run in the order of these lines.
+void MainWindow::connectManagers()
+{
+    using HEXGeneratorParser::HEXManager;
+    using HParser::Generator;
+    using ImportProfiles::ImportProfilesMain;
+    using List = ProfileNamesListManager;
+    using UploadDownload::UploadDownloadManager;
+
+    connect(this, &MainWindow::disconnectVelantor, listManager, &List::disableMarkingChanges);
+    connect(this, &MainWindow::resetVelantorSignal, uploadDownload,
+            &UploadDownloadManager::on_disconnectButtonPressed);
+    connect(this, &MainWindow::masterConnectVelantorSignal, uploadDownload,
+            &UploadDownloadManager::on_connectButtonPressed);
+    connect(this, &MainWindow::resetVelantorWithPort, uploadDownload,
+            &UploadDownloadManager::onResetFromFirmware);
+
+    connect(generator, &Generator::strictSSFileLoaded, hexManager, &HEXManager::importFSElements);
+
+    connect(importer, &ImportProfilesMain::profileReadyForImport, listManager,
+            &List::on_profileReadyForImport);
+    connect(importer, &ImportProfilesMain::profilesLastImported, uploadDownload,
+            &UploadDownloadManager::saveUnitSettingsToVel);
+
+    connect(hexManager, &HEXManager::deleteAllProfiles, listManager,
+            &List::deleteAllProfilesNoConfirmation);
+    connect(hexManager, &HEXManager::sortedFSElements, generator, &Generator::chooseNewSSFile);
+    connect(hexManager, &HEXManager::unitSettingsRead_hex, uploadDownload,
+            &UploadDownloadManager::unitSettingsRead);
+    connect(hexManager, &HEXManager::velantorAndSSMatch, uploadDownload,
+            &UploadDownloadManager::continueWithWrite);
+
+    connect(uploadDownload, &UploadDownloadManager::deleteAllProfiles, listManager,
+            &List::deleteAllProfilesNoConfirmation);
+    connect(uploadDownload, &UploadDownloadManager::settingsWrite, listManager,
+            &List::profilesWrittenToVelantor);
+    connect(uploadDownload, &UploadDownloadManager::settingsWrite, this,
+            &MainWindow::velantorConnected);
+    connect(uploadDownload, &UploadDownloadManager::settingsRead, this,
+            &MainWindow::velantorConnected);
+    connect(uploadDownload, &UploadDownloadManager::settingsRead, listManager,
+            &List::enableMarkingChanges);
+    connect(uploadDownload, &UploadDownloadManager::unitSettingsWrite, this,
+            &MainWindow::velantorConnected);
+    connect(uploadDownload, &UploadDownloadManager::unitSettingsRead, this,
+            &MainWindow::unitSettingsRead);
+}
+
+void MainWindow::extraUIAdditions()
+{
+    QToolBar *bar = ui->mainToolBar;
+    bar->setIconSize(QSize(20, 20));
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    bar->setStyleSheet(QStringLiteral("QToolButton:disabled {   color: black;}"));
+    bar->setFloatable(false);
+    bar->setMovable(false);
+    bar->setContextMenuPolicy(Qt::PreventContextMenu);
+
+    // Connected is what makes the action disabled, so the lamp lights by itself.
+    QIcon lamp(QStringLiteral(":/new/images/LEDoff.png"));
+    lamp.addFile(QStringLiteral(":/new/images/LEDon.png"), QSize(), QIcon::Disabled);
+    connectAction = bar->addAction(lamp, tr("Connect"));
+    connectAction->setObjectName(QStringLiteral("connectAction"));
+    connectAction->setToolTip(tr("Connect to Velantor"));
+
+    disconnectAction =
+        bar->addAction(QIcon(QStringLiteral(":/new/images/redLEDon.png")), tr("Disconnect"));
+    disconnectAction->setObjectName(QStringLiteral("disconnectAction"));
+    disconnectAction->setToolTip(tr("Disconnect and Restart Velantor"));
+
+    readDataAction =
+        bar->addAction(QIcon(QStringLiteral(":/new/images/download.png")), tr("Read Data"));
+    readDataAction->setObjectName(QStringLiteral("readDataAction"));
+    readDataAction->setToolTip(tr("Read Data from Velantor"));
+
+    saveDataAction =
+        bar->addAction(QIcon(QStringLiteral(":/new/images/upload.png")), tr("Save Data"));
+    saveDataAction->setObjectName(QStringLiteral("saveDataAction"));
+    saveDataAction->setToolTip(tr("Save Data to Velantor"));
+
+    for (QAction *action : {disconnectAction, readDataAction, saveDataAction})
+        action->setEnabled(false);
+
+    bar->addWidget(expandingSpacer(bar));
+    bar->addWidget(spacer(15, bar));
+    auto *logo = new QLabel(bar);
+    logo->setPixmap(QPixmap(QStringLiteral(":/new/images/tolk_logo.png")));
+    bar->addWidget(logo);
+
+    setWindowIcon(QIcon(QStringLiteral(":/new/images/icon_linux.png")));
+    ui->statusBar->hide();
+}
+
+/// Receivers of one sender run in the order of these lines.
+void MainWindow::connectActions()
+{
+    using UploadDownload::UploadDownloadManager;
+
+    connect(ui->actionExportXMLProfiles, &QAction::triggered, this, &MainWindow::exportProfilesXML);
+    connect(ui->saveProfilesXML, &QPushButton::clicked, this, &MainWindow::exportProfilesXML);
+    connect(ui->actionExportXMLProfilesAndSettings, &QAction::triggered, this,
+            &MainWindow::exportProfilesSettingsXML);
+    connect(ui->openProfilesXML, &QPushButton::clicked, this,
+            &MainWindow::on_importFromXMLButtonClicked);
+    connect(ui->actionImportXML, &QAction::triggered, this,
+            &MainWindow::on_importFromXMLButtonClicked);
+    connect(ui->viewDeviceSettings, &QPushButton::clicked, this, &MainWindow::resizeMainWindow);
+    for (QAction *action : {ui->actionConnectToVel, connectAction})
+        connect(action, &QAction::triggered, this, &MainWindow::onConnect);
+    for (QAction *action : {ui->actionDisconnectAndRestart, disconnectAction})
+        connect(action, &QAction::triggered, this, &MainWindow::onDisconnectAndReset);
+    connect(ui->actionHelp_2, &QAction::triggered, this, &MainWindow::on_actionHelp);
+    connect(ui->actionAbout, &QAction::triggered, this, &MainWindow::on_actionAbout);
+    connect(ui->actionExit, &QAction::triggered, this, &MainWindow::on_actionExit);
+    connect(ui->actionImportHEX, &QAction::triggered, hexManager,
+            &HEXGeneratorParser::HEXManager::on_importFromHEXButtonClicked);
+    for (QAction *action : {ui->actionWriteProfiles, saveDataAction})
+        connect(action, &QAction::triggered, uploadDownload,
+                &UploadDownloadManager::on_writeButtonPressed);
+    for (QAction *action : {ui->actionReadProfiles, readDataAction})
+        connect(action, &QAction::triggered, uploadDownload,
+                &UploadDownloadManager::on_readButtonPressed);
+    connect(ui->actionDeleteAllProfiles, &QAction::triggered, listManager,
+            &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
+    connect(ui->deleteAllProfiles, &QPushButton::clicked, listManager,
+            &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
+}
+
+/// Editors, profile files, firmware tool and updates have their places in the form but no manager
+/// yet: what would lead to them is out of reach.
+void MainWindow::hideWhatIsNotThereYet()
+{
+    for (QAction *action :
+         {ui->actionExportXMLProfiles, ui->actionExportXMLProfilesAndSettings, ui->actionImportXML,
+          ui->actionEditGlobalSettings, ui->actionFlashFirmware, ui->actionCheckNewFirmware,
+          ui->actionCheckNewSoftware, ui->actionChangeAutoUpdates})
+        action->setEnabled(false);
+    for (QWidget *widget :
+         {static_cast<QWidget *>(ui->addProfileButton), static_cast<QWidget *>(ui->openProfilesXML),
+          static_cast<QWidget *>(ui->saveProfilesXML),
+          static_cast<QWidget *>(ui->viewDeviceSettings)})
+        widget->setEnabled(false);
+    for (QWidget *widget :
+         {static_cast<QWidget *>(ui->profileSettingsName),
+          static_cast<QWidget *>(ui->profileSettingsDescription),
+          static_cast<QWidget *>(ui->editProfileButton),
+          static_cast<QWidget *>(ui->profileActiveButton),
+          static_cast<QWidget *>(ui->profileDefaultButton),
+          static_cast<QWidget *>(ui->profileModifiableButton),
+          static_cast<QWidget *>(ui->containerScroll),
+          static_cast<QWidget *>(ui->cancelChangesButton),
+          static_cast<QWidget *>(ui->saveChangesButton),
+          static_cast<QWidget *>(ui->unitSettingsDisplay),
+          static_cast<QWidget *>(ui->unitSettingsTitle), static_cast<QWidget *>(ui->resetDefaults)})
+        widget->hide();
+}
+
+void MainWindow::reloadBundle()
+{
+    if (!startupChecksPassed)
+        return;
+    bundleManager->extractLatestValidBundle();
+    generator->parseSSFile(MASTER_SS_FILE_NAME);
+}
+
+void MainWindow::on_actionHelp()
+{
+    MessageDialogs::helpVelantorProfileEditor(this);
+}
+
+void MainWindow::on_actionAbout()
+{
+    MessageDialogs::aboutVelantorProfileEditor(this);
+}
+
+void MainWindow::on_actionExit()
+{
+    QCoreApplication::quit();
+}
+
+void MainWindow::velantorConnected(bool connected)
+{
+    if (connected == velantorIsConnected)
+        return;
+    velantorIsConnected = connected;
+
+    for (QAction *action :
+         {ui->actionExportHEX, ui->actionImportHEX, ui->actionDisconnectAndRestart,
+          ui->actionWriteProfiles, ui->actionReadProfiles, saveDataAction, readDataAction})
+        action->setEnabled(connected);
+
+    connectAction->setEnabled(!connected);
+    ui->actionConnectToVel->setEnabled(!connected);
+    disconnectAction->setEnabled(connected);
+    if (connected) {
+        connectAction->setToolTip(tr("Connected!"));
+        connectAction->setText(tr("Connected!"));
+        resize(size());
+    } else {
+        connectAction->setToolTip(tr("Connect to Velantor"));
+        connectAction->setText(tr("Connect"));
+        emit disconnectVelantor();
+    }
+}
+
+void MainWindow::unitSettingsRead(bool available)
+{
+    unitSettingsAvailable = available;
+    velantorConnected(!connectAction->isEnabled());
+}
+
+void MainWindow::onConnect()
+{
+    emit masterConnectVelantorSignal();
+}
+
+void MainWindow::onDisconnectAndReset()
+{
+    emit disconnectVelantor();
+    emit resetVelantorSignal();
+}
+
+void MainWindow::onDisconnectAndResetWithPort(const QString &port)
+{
+    emit resetVelantorWithPort(port);
+    emit disconnectVelantor();
+}
+
+void MainWindow::disableToolbarActions(bool disable)
+{
+    for (QWidget *widget :
+         {static_cast<QWidget *>(ui->menuBar), static_cast<QWidget *>(ui->mainToolBar),
+          static_cast<QWidget *>(ui->addProfileButton),
+          static_cast<QWidget *>(ui->viewDeviceSettings)})
+        widget->setEnabled(!disable);
+}
+
+void MainWindow::on_importFromXMLButtonClicked()
+{
+    emit importFromXML(unitSettingsAvailable);
+}
+
+void MainWindow::exportProfilesXML()
+{
+    emit exportToXML(false);
+}
+
+void MainWindow::exportProfilesSettingsXML()
+{
+    emit exportToXML(true);
+}
+
+void MainWindow::resizeMainWindow()
+{
+    const QSize now = size();
+    resize(now - QSize(1, 1));
+    resize(now);
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    if (startupChecksPassed && panes)
+        panes->place(event->size());
+}

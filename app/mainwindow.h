@@ -1,0 +1,112 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <memory>
+
+class PaneLayout;
+class ProfileNamesListManager;
+class VelantorBundleManager;
+class QAction;
+
+namespace HEXGeneratorParser
+{
+class HEXManager;
+}
+namespace HParser
+{
+class Generator;
+}
+namespace ImportProfiles
+{
+class ImportProfilesMain;
+}
+namespace Ui
+{
+class MainWindow;
+}
+namespace UploadDownload
+{
+class UploadDownloadManager;
+}
+
+/// The application's one window and its switchboard: makes the managers, joins their signals, and
+/// shows in tool bar and menus whether a charger is connected. Each feature lives in its manager.
+///
+/// The constructor is the whole start-up: self-check, working directory, embedded files, bundle,
+/// schema, form, managers. It ends the process where the installation is not usable.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// The schema in force. Stays owned by the window.
+    HParser::Generator *getGenerator() const { return generator; }
+
+signals:
+    void importFromXML(bool unitSettingsAvailable);
+    void exportToXML(bool withUnitSettings);
+    /// The link to the charger has fallen: the master schema comes back, change marks go.
+    void disconnectVelantor();
+    void resetVelantorSignal();
+    void resetVelantorWithPort(const QString &port);
+    void masterConnectVelantorSignal();
+
+public slots:
+    /// Takes the newest usable bundle into use again.
+    void reloadBundle();
+
+    void on_actionHelp();
+    void on_actionAbout();
+    void on_actionExit();
+
+    void velantorConnected(bool connected);
+    void unitSettingsRead(bool available);
+    void onConnect();
+    void onDisconnectAndReset();
+    void onDisconnectAndResetWithPort(const QString &port);
+    void disableToolbarActions(bool disable);
+
+    void on_importFromXMLButtonClicked();
+    void exportProfilesXML();
+    void exportProfilesSettingsXML();
+
+    /// Forces a resizeEvent that ends at the same size.
+    void resizeMainWindow();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void runTests();
+    void setWorkingDirectory();
+    void installationChecks();
+    void setButtonIcons();
+    void createManagers();
+    void connectManagers();
+    void extraUIAdditions();
+    void connectActions();
+    void hideWhatIsNotThereYet();
+
+    std::unique_ptr<Ui::MainWindow> ui;
+    std::unique_ptr<PaneLayout> panes;
+    ProfileNamesListManager *listManager = nullptr;
+    ImportProfiles::ImportProfilesMain *importer = nullptr;
+    HEXGeneratorParser::HEXManager *hexManager = nullptr;
+    UploadDownload::UploadDownloadManager *uploadDownload = nullptr;
+    std::unique_ptr<VelantorBundleManager> bundleManager;
+    HParser::Generator *generator = nullptr;
+    QAction *saveDataAction = nullptr;
+    QAction *readDataAction = nullptr;
+    QAction *connectAction = nullptr;
+    QAction *disconnectAction = nullptr;
+    /// The installation was found whole; nothing of this class works before.
+    bool startupChecksPassed = false;
+    /// The charger's own settings are loaded; told to the import of profile files.
+    bool unitSettingsAvailable = false;
+    /// The state of the connection as last told.
+    bool velantorIsConnected = false;
+};

@@ -1,0 +1,77 @@
+#include "app/workingfiles.h"
+
+#include "app/filenames.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QStandardPaths>
+
+namespace
+{
+const QString toolsRoot = QStringLiteral(":/Velantor Software Suite Files/");
+const QString defaultProfilesRoot = toolsRoot + SAVED_PROFILES_DIRECTORY + QLatin1Char('/');
+
+bool isProgram(const QString &name)
+{
+    return name.contains(QLatin1String(".bin")) || name.contains(QLatin1String(".exe")) ||
+           name.contains(QLatin1String(".mac"));
+}
+
+void replaceFile(const QString &source, const QString &target)
+{
+    QFile::remove(target);
+    QFile::copy(source, target);
+}
+
+QString inCurrentDirectory(const QString &name)
+{
+    return QDir::currentPath() + QDir::separator() + name;
+}
+} // namespace
+
+bool WorkingFiles::enterWorkingDirectory()
+{
+    QDir directory(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    if (!directory.mkpath(QStringLiteral(".")) || !directory.cd(directory.absolutePath()))
+        return false;
+    QDir::setCurrent(directory.absolutePath());
+    return true;
+}
+
+void WorkingFiles::unpackToolsFrom(const QString &source)
+{
+    QDirIterator files(source, QDir::Files);
+    while (files.hasNext()) {
+        files.next();
+        const QString target = inCurrentDirectory(files.fileName());
+        replaceFile(files.filePath(), target);
+        if (isProgram(files.fileName())) {
+            // Replacing a file needs its folder only, so nobody has to read or write this one.
+            QFile::setPermissions(target, QFile::ExeOwner | QFile::ExeUser | QFile::ExeGroup |
+                                              QFile::ExeOther);
+        }
+    }
+}
+
+void WorkingFiles::unpackTools()
+{
+    unpackToolsFrom(toolsRoot);
+}
+
+void WorkingFiles::makeSavedProfilesDirectory()
+{
+    if (!QDir(inCurrentDirectory(SAVED_PROFILES_DIRECTORY)).exists())
+        QDir().mkdir(SAVED_PROFILES_DIRECTORY);
+}
+
+void WorkingFiles::unpackDefaultProfiles()
+{
+    makeSavedProfilesDirectory();
+    QDirIterator files(defaultProfilesRoot, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        files.next();
+        replaceFile(files.filePath(), inCurrentDirectory(SAVED_PROFILES_DIRECTORY) +
+                                          QDir::separator() + files.fileName());
+    }
+}

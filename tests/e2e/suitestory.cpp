@@ -1,0 +1,168 @@
+#include "suitestory.h"
+
+#include "profiles/profilename.h"
+#include "profiles/profilenamelistwidget.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+SuiteStory::SuiteStory()
+{
+    if (!home.isValid())
+        qFatal("no home for the story");
+    const QString runtime = home.filePath(QStringLiteral("run"));
+    QDir().mkpath(runtime);
+    QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(home.filePath(QStringLiteral("data"))));
+}
+
+SuiteStory::~SuiteStory()
+{
+    window.reset();
+    simulated.reset();
+    QDir::setCurrent(QDir::rootPath());
+}
+
+SimulatorProcess &SuiteStory::plugIn(const QStringList &options)
+{
+    simulated.reset();
+    simulated = std::make_unique<SimulatorProcess>(options);
+    return *simulated;
+}
+
+QString SuiteStory::chargerMode()
+{
+    const QString key = QStringLiteral("mode ");
+    for (const QString &line : charger().control(QStringLiteral("state"))) {
+        if (line.startsWith(key))
+            return line.mid(key.size());
+    }
+    return {};
+}
+
+void SuiteStory::open()
+{
+    window = std::make_unique<MainWindow>();
+    window->show();
+    if (!QTest::qWaitForWindowExposed(window.get()))
+        qFatal("the window does not come up");
+}
+
+QAction *SuiteStory::action(const char *name) const
+{
+    return window->findChild<QAction *>(QLatin1String(name));
+}
+
+bool SuiteStory::isConnected() const
+{
+    return !action("connectAction")->isEnabled() && action("disconnectAction")->isEnabled();
+}
+
+QDialog *SuiteStory::dialog()
+{
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget *widget : windows) {
+        auto *dialog = qobject_cast<QDialog *>(widget);
+        if (dialog && dialog->isVisible() && !qobject_cast<QMessageBox *>(widget))
+            return dialog;
+    }
+    return nullptr;
+}
+
+bool SuiteStory::waitForDialogsToEnd()
+{
+    return QTest::qWaitFor([] { return !dialog() && !QApplication::activeModalWidget(); }, 30000);
+}
+
+bool SuiteStory::startConnecting()
+{
+    action("connectAction")->trigger();
+    return QTest::qWaitFor([] { return dialog() != nullptr; });
+}
+
+bool SuiteStory::connectCharger()
+{
+    if (!startConnecting())
+        return false;
+    QTest::mouseClick(dialog()->findChild<QPushButton *>(QStringLiteral("okButton")),
+                      Qt::LeftButton);
+    return waitForDialogsToEnd() && isConnected();
+}
+
+bool SuiteStory::readData()
+{
+    action("readDataAction")->trigger();
+    return waitForDialogsToEnd();
+}
+
+bool SuiteStory::saveData()
+{
+    action("saveDataAction")->trigger();
+    const auto mayBeClosed = [] {
+        QDialog *front = dialog();
+        if (!front)
+            return true;
+        auto *ok = front->findChild<QPushButton *>(QStringLiteral("okButton"));
+        return ok && ok->isEnabled() && !QApplication::activePopupWidget() &&
+               !qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    };
+    if (!QTest::qWaitFor(mayBeClosed, 60000))
+        return false;
+    if (QDialog *front = dialog())
+        QTest::mouseClick(front->findChild<QPushButton *>(QStringLiteral("okButton")),
+                          Qt::LeftButton);
+    return waitForDialogsToEnd();
+}
+
+bool SuiteStory::disconnectCharger()
+{
+    action("disconnectAction")->trigger();
+    return !isConnected();
+}
+
+QListWidget *SuiteStory::list() const
+{
+    return window->findChild<QListWidget *>(QStringLiteral("profileNamesList"));
+}
+
+ProfileName *SuiteStory::row(int index) const
+{
+    return qobject_cast<ProfileName *>(list()->itemWidget(list()->item(index)));
+}
+
+QStringList SuiteStory::titles() const
+{
+    QStringList result;
+    for (int i = 0; i < list()->count(); ++i)
+        result.append(row(i)->getTitle());
+    return result;
+}
+
+void SuiteStory::select(int index)
+{
+    const QRect place = list()->visualItemRect(list()->item(index));
+    // The row's own labels let a click through to the list.
+    QTest::mouseClick(row(index), Qt::LeftButton, {}, QPoint(20, place.height() / 2));
+}
+
+QByteArray SuiteStory::workingFile(const QString &name)
+{
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString SuiteStory::pageOnCharger()
+{
+    const QString image = home.filePath(QStringLiteral("page.hex"));
+    charger().control(QStringLiteral("save ") + image);
+    QProcess reader;
+    reader.setProcessChannelMode(QProcess::MergedChannels);
+    reader.start(QStringLiteral("python3"),
+                 {QStringLiteral(VELANTOR_SOURCE_DIR "/tests/support/flashpage.py"), image});
+    reader.waitForFinished();
+    return QString::fromUtf8(reader.readAll());
+}

@@ -1,0 +1,505 @@
+#include "SSGenerator/generator.h"
+#include "app/filenames.h"
+#include "app/mainwindow.h"
+#include "device/uploaddownloadmanager.h"
+#include "profiles/profilenameslistmanager.h"
+#include "support/messageboxanswers.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolBar>
+
+#include <memory>
+
+/// The window as a switchboard: its form, its tool bar's states, its signals.
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void titleAndSizes();
+    void menusHoldTheirEntriesInOrder_data();
+    void menusHoldTheirEntriesInOrder();
+    void textsOfTheForm_data();
+    void textsOfTheForm();
+    void toolTipsOfTheForm_data();
+    void toolTipsOfTheForm();
+    void namesAreAsLongAsTheChargerHoldsThem();
+    void toolBarFillsInOrder();
+    void startsDisconnected();
+    void connectedTurnsTheToolBar();
+    void lampLightsWhereConnectIsDisabled();
+    void disconnectedTwiceSaysNothing();
+    void anyFallOfTheLinkBringsTheMasterBack_data();
+    void anyFallOfTheLinkBringsTheMasterBack();
+    void masterIsBackBeforeOthersHear();
+    void loadedUnitSettingsChangeNoState();
+    void connectAsksTheManager();
+    void disconnectTellsThenResets();
+    void disconnectWithPortResetsThenTells();
+    void exportsCarryWhetherSettingsGoAlong();
+    void importsTellWhetherSettingsAreLoaded();
+    void toolbarAndMenuDisableTogether();
+    void resizingEndsAtTheSameSize();
+    void windowUsesTheAnchors();
+    void deleteAllAsksOnlyWithRows();
+    void helpAndAboutShowTheirBoxes();
+    void unpackedFilesStandInTheWorkingDirectory();
+    void degreeSignsSurviveTheBundle();
+    void whatIsNotThereYetIsOutOfReach();
+
+private:
+    QAction *action(const char *name) const
+    {
+        return window->findChild<QAction *>(QLatin1String(name));
+    }
+    HParser::Generator *generator() const { return window->getGenerator(); }
+    UploadDownload::UploadDownloadManager *manager() const
+    {
+        return window->findChild<UploadDownload::UploadDownloadManager *>();
+    }
+
+    std::unique_ptr<QTemporaryDir> home;
+    std::unique_ptr<MainWindow> window;
+};
+
+void MainWindowTest::init()
+{
+    home = std::make_unique<QTemporaryDir>();
+    qputenv("XDG_DATA_HOME", home->path().toUtf8());
+    window = std::make_unique<MainWindow>();
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void MainWindowTest::cleanup()
+{
+    window.reset();
+    QDir::setCurrent(QDir::rootPath());
+    home.reset();
+}
+
+void MainWindowTest::titleAndSizes()
+{
+    QCOMPARE(window->windowTitle(), QStringLiteral("Velantor Software Suite For Firmware v1.0+"));
+    QCOMPARE(window->size(), QSize(707, 730));
+    QCOMPARE(window->minimumSize(), QSize(700, 350));
+    QVERIFY(!window->windowIcon().isNull());
+    QVERIFY(window->findChild<QStatusBar *>()->isHidden());
+}
+
+void MainWindowTest::menusHoldTheirEntriesInOrder_data()
+{
+    QTest::addColumn<int>("position");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("entries");
+    QTest::newRow("File") << 0 << "File"
+                          << QStringList{"Save Profiles to File...",
+                                         "Save Profiles and Device Settings to File...",
+                                         "Load Profiles from File...",
+                                         "--",
+                                         "Connect to Velantor...",
+                                         "Disconnect and Reset Velantor",
+                                         "Save Data to Velantor...",
+                                         "Read Data from Velantor",
+                                         "--",
+                                         "Check for new Software...",
+                                         "Check for new Firmware...",
+                                         "Change Auto Update...",
+                                         "--",
+                                         "Update Velantor Firmware...",
+                                         "--",
+                                         "Exit"};
+    QTest::newRow("Edit") << 1 << "Edit"
+                          << QStringList{"Edit Device Settings", "--", "Delete all Profiles..."};
+    QTest::newRow("Help") << 2 << "Help"
+                          << QStringList{"Getting Started...", "About...", "--",
+                                         "View Device Stats..."};
+}
+
+void MainWindowTest::menusHoldTheirEntriesInOrder()
+{
+    QFETCH(int, position);
+    QFETCH(QString, title);
+    QFETCH(QStringList, entries);
+    const QList<QAction *> menus = window->menuBar()->actions();
+    QCOMPARE(menus.size(), 3);
+    QCOMPARE(menus.at(position)->text(), title);
+    QStringList found;
+    for (const QAction *entry : menus.at(position)->menu()->actions())
+        found.append(entry->isSeparator() ? QStringLiteral("--") : entry->text());
+    QCOMPARE(found, entries);
+}
+
+void MainWindowTest::textsOfTheForm_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("checkable");
+    QTest::newRow("new profile") << "addProfileButton"
+                                 << "New Profile" << false;
+    QTest::newRow("up") << "profileNameUpButton"
+                        << "Move Up" << false;
+    QTest::newRow("down") << "profileNameDownButton"
+                          << "Move Down" << false;
+    QTest::newRow("edit") << "editProfileButton"
+                          << "Edit Profile" << true;
+    QTest::newRow("save") << "saveChangesButton"
+                          << "Save Settings to Velantor" << false;
+    QTest::newRow("cancel") << "cancelChangesButton"
+                            << "Cancel" << false;
+    QTest::newRow("device") << "viewDeviceSettings"
+                            << "View Device Settings" << true;
+    QTest::newRow("active") << "profileActiveButton"
+                            << "Active?" << true;
+    QTest::newRow("default") << "profileDefaultButton"
+                             << "Default?" << true;
+    QTest::newRow("editable") << "profileModifiableButton"
+                              << "Editable?" << true;
+    QTest::newRow("defaults") << "resetDefaults"
+                              << "Load Defaults" << false;
+}
+
+void MainWindowTest::textsOfTheForm()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, text);
+    QFETCH(bool, checkable);
+    auto *button = window->findChild<QAbstractButton *>(name);
+    QVERIFY(button);
+    QCOMPARE(button->text(), text);
+    QCOMPARE(button->isCheckable(), checkable);
+}
+
+void MainWindowTest::toolTipsOfTheForm_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("text");
+    const QString head = QStringLiteral("<html><head/><body><p>");
+    const QString tail = QStringLiteral("</p></body></html>");
+    QTest::newRow("open") << "openProfilesXML"
+                          << "Open Profiles from File";
+    QTest::newRow("save") << "saveProfilesXML"
+                          << "Save Profiles to File";
+    QTest::newRow("delete all") << "deleteAllProfiles"
+                                << "Delete All Profiles";
+    QTest::newRow("active") << "profileActiveButton"
+                            << head +
+                                   "Check this button for the profile to be in the active "
+                                   "profile list on the Velantor." +
+                                   tail;
+    QTest::newRow("default") << "profileDefaultButton"
+                             << head +
+                                    "Default profile will be preselected by the Velatnor on "
+                                    "powerup. To select a different profile you must first "
+                                    "press and hold the top button to get to the profile "
+                                    "list." +
+                                    tail;
+    QTest::newRow("editable") << "profileModifiableButton"
+                              << head +
+                                     "Check this button to allow the profile parameters to be "
+                                     "changed from onboard the Velatnor itself. Otherwise "
+                                     "profile can only be deactivated or deleted, but not "
+                                     "modified through the buttons." +
+                                     tail;
+}
+
+void MainWindowTest::toolTipsOfTheForm()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, text);
+    QCOMPARE(window->findChild<QWidget *>(name)->toolTip(), text);
+}
+
+void MainWindowTest::namesAreAsLongAsTheChargerHoldsThem()
+{
+    QCOMPARE(window->findChild<QLineEdit *>("profileSettingsName")->maxLength(), 11);
+    QCOMPARE(window->findChild<QLineEdit *>("profileSettingsDescription")->maxLength(), 13);
+}
+
+void MainWindowTest::toolBarFillsInOrder()
+{
+    auto *bar = window->findChild<QToolBar *>("mainToolBar");
+    const QList<QAction *> entries = bar->actions();
+    QStringList texts;
+    QStringList tips;
+    for (int i = 0; i < 4; ++i) {
+        texts.append(entries.at(i)->text());
+        tips.append(entries.at(i)->toolTip());
+        QVERIFY(!entries.at(i)->icon().isNull());
+    }
+    QCOMPARE(texts, QStringList({"Connect", "Disconnect", "Read Data", "Save Data"}));
+    QCOMPARE(tips, QStringList({"Connect to Velantor", "Disconnect and Restart Velantor",
+                                "Read Data from Velantor", "Save Data to Velantor"}));
+    auto *logo = qobject_cast<QLabel *>(bar->widgetForAction(entries.last()));
+    QVERIFY(logo);
+    QVERIFY(!logo->pixmap(Qt::ReturnByValue).isNull());
+    QCOMPARE(bar->iconSize(), QSize(20, 20));
+    QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
+    QCOMPARE(bar->styleSheet(), QStringLiteral("QToolButton:disabled {   color: black;}"));
+    QVERIFY(!bar->isFloatable());
+    QVERIFY(!bar->isMovable());
+}
+
+void MainWindowTest::startsDisconnected()
+{
+    QVERIFY(action("connectAction")->isEnabled());
+    QVERIFY(action("actionConnectToVel")->isEnabled());
+    for (const char *name :
+         {"disconnectAction", "readDataAction", "saveDataAction", "actionDisconnectAndRestart",
+          "actionWriteProfiles", "actionReadProfiles", "actionAboutDevice"})
+        QVERIFY2(!action(name)->isEnabled(), name);
+}
+
+void MainWindowTest::connectedTurnsTheToolBar()
+{
+    QSignalSpy disconnected(window.get(), &MainWindow::disconnectVelantor);
+    emit manager()->settingsRead(true);
+    QVERIFY(!action("connectAction")->isEnabled());
+    QVERIFY(!action("actionConnectToVel")->isEnabled());
+    QCOMPARE(action("connectAction")->text(), QStringLiteral("Connected!"));
+    QCOMPARE(action("connectAction")->toolTip(), QStringLiteral("Connected!"));
+    for (const char *name :
+         {"disconnectAction", "readDataAction", "saveDataAction", "actionDisconnectAndRestart",
+          "actionWriteProfiles", "actionReadProfiles", "actionExportHEX", "actionImportHEX"})
+        QVERIFY2(action(name)->isEnabled(), name);
+    QCOMPARE(disconnected.count(), 0);
+
+    emit manager()->settingsRead(false);
+    QCOMPARE(action("connectAction")->text(), QStringLiteral("Connect"));
+    QCOMPARE(action("connectAction")->toolTip(), QStringLiteral("Connect to Velantor"));
+    startsDisconnected();
+    for (const char *name : {"actionExportHEX", "actionImportHEX"})
+        QVERIFY2(!action(name)->isEnabled(), name);
+    QCOMPARE(disconnected.count(), 1);
+}
+
+void MainWindowTest::lampLightsWhereConnectIsDisabled()
+{
+    const QIcon icon = action("connectAction")->icon();
+    const QPixmap off(QStringLiteral(":/new/images/LEDoff.png"));
+    const QPixmap on(QStringLiteral(":/new/images/LEDon.png"));
+    QVERIFY(!off.isNull() && !on.isNull() && off.toImage() != on.toImage());
+    QCOMPARE(icon.pixmap(off.size(), QIcon::Normal).toImage(), off.toImage());
+    QCOMPARE(icon.pixmap(on.size(), QIcon::Disabled).toImage(), on.toImage());
+}
+
+void MainWindowTest::disconnectedTwiceSaysNothing()
+{
+    QSignalSpy disconnected(window.get(), &MainWindow::disconnectVelantor);
+    window->velantorConnected(false);
+    QCOMPARE(disconnected.count(), 0);
+}
+
+void MainWindowTest::anyFallOfTheLinkBringsTheMasterBack_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("a failed import or a disconnect") << 0;
+    QTest::newRow("a failed read or write") << 1;
+    QTest::newRow("failed device settings") << 2;
+}
+
+void MainWindowTest::anyFallOfTheLinkBringsTheMasterBack()
+{
+    QFETCH(int, way);
+    emit manager()->settingsWrite(true);
+    QVERIFY(!action("connectAction")->isEnabled());
+    generator()->parseSSFile(REV7_24V_SS_FILE_NAME);
+    QVERIFY(!generator()->isMaster());
+    if (way == 0)
+        emit manager()->settingsRead(false);
+    else if (way == 1)
+        emit manager()->settingsWrite(false);
+    else
+        emit manager()->unitSettingsWrite(false);
+    QVERIFY(generator()->isMaster());
+    QVERIFY(action("connectAction")->isEnabled());
+}
+
+void MainWindowTest::masterIsBackBeforeOthersHear()
+{
+    emit manager()->unitSettingsWrite(true);
+    generator()->parseSSFile(REV7_24V_SS_FILE_NAME);
+    bool masterWhenHeard = false;
+    connect(window.get(), &MainWindow::disconnectVelantor, this,
+            [&] { masterWhenHeard = generator()->isMaster(); });
+    window->velantorConnected(false);
+    QVERIFY(masterWhenHeard);
+}
+
+void MainWindowTest::loadedUnitSettingsChangeNoState()
+{
+    QSignalSpy disconnected(window.get(), &MainWindow::disconnectVelantor);
+    emit manager()->unitSettingsRead(true);
+    QVERIFY(action("connectAction")->isEnabled());
+    emit manager()->settingsRead(true);
+    emit manager()->unitSettingsRead(false);
+    QVERIFY(!action("connectAction")->isEnabled());
+    QCOMPARE(disconnected.count(), 0);
+}
+
+void MainWindowTest::connectAsksTheManager()
+{
+    QSignalSpy asked(window.get(), &MainWindow::masterConnectVelantorSignal);
+    action("connectAction")->trigger();
+    action("actionConnectToVel")->trigger();
+    QCOMPARE(asked.count(), 2);
+    for (QWidget *dialog : QApplication::topLevelWidgets()) {
+        if (dialog != window.get() && dialog->isVisible())
+            dialog->close();
+    }
+}
+
+void MainWindowTest::disconnectTellsThenResets()
+{
+    QStringList order;
+    connect(window.get(), &MainWindow::disconnectVelantor, this, [&] { order.append("tell"); });
+    connect(window.get(), &MainWindow::resetVelantorSignal, this, [&] { order.append("reset"); });
+    MessageBoxAnswers answers; // no port was ever chosen: the reset says so
+    window->onDisconnectAndReset();
+    QCOMPARE(order, QStringList({"tell", "reset"}));
+    QCOMPARE(answers.titles(), QStringList({"Failed Opening Serial Port"}));
+}
+
+void MainWindowTest::disconnectWithPortResetsThenTells()
+{
+    QStringList order;
+    connect(window.get(), &MainWindow::disconnectVelantor, this, [&] { order.append("tell"); });
+    connect(window.get(), &MainWindow::resetVelantorWithPort, this,
+            [&](const QString &port) { order.append("reset " + port); });
+    MessageBoxAnswers answers;
+    window->onDisconnectAndResetWithPort(QStringLiteral("/dev/none-there"));
+    QCOMPARE(order, QStringList({"reset /dev/none-there", "tell"}));
+}
+
+void MainWindowTest::exportsCarryWhetherSettingsGoAlong()
+{
+    QSignalSpy exports(window.get(), &MainWindow::exportToXML);
+    window->exportProfilesXML();
+    window->exportProfilesSettingsXML();
+    QCOMPARE(exports.at(0).at(0).toBool(), false);
+    QCOMPARE(exports.at(1).at(0).toBool(), true);
+
+    exports.clear();
+    action("actionExportXMLProfiles")->setEnabled(true);
+    action("actionExportXMLProfiles")->trigger();
+    window->findChild<QPushButton *>("saveProfilesXML")->setEnabled(true);
+    window->findChild<QPushButton *>("saveProfilesXML")->click();
+    action("actionExportXMLProfilesAndSettings")->setEnabled(true);
+    action("actionExportXMLProfilesAndSettings")->trigger();
+    QCOMPARE(exports.count(), 3);
+    QCOMPARE(exports.at(0).at(0).toBool(), false);
+    QCOMPARE(exports.at(1).at(0).toBool(), false);
+    QCOMPARE(exports.at(2).at(0).toBool(), true);
+}
+
+void MainWindowTest::importsTellWhetherSettingsAreLoaded()
+{
+    QSignalSpy imports(window.get(), &MainWindow::importFromXML);
+    window->on_importFromXMLButtonClicked();
+    emit manager()->unitSettingsRead(true);
+    window->on_importFromXMLButtonClicked();
+    QCOMPARE(imports.at(0).at(0).toBool(), false);
+    QCOMPARE(imports.at(1).at(0).toBool(), true);
+}
+
+void MainWindowTest::toolbarAndMenuDisableTogether()
+{
+    const QList<QWidget *> together{window->menuBar(), window->findChild<QWidget *>("mainToolBar"),
+                                    window->findChild<QWidget *>("addProfileButton"),
+                                    window->findChild<QWidget *>("viewDeviceSettings")};
+    window->disableToolbarActions(true);
+    for (const QWidget *widget : together)
+        QVERIFY(!widget->isEnabled());
+    window->disableToolbarActions(false);
+    for (const QWidget *widget : together)
+        QVERIFY(widget->isEnabled());
+}
+
+void MainWindowTest::resizingEndsAtTheSameSize()
+{
+    window->resize(900, 600);
+    window->resizeMainWindow();
+    QCOMPARE(window->size(), QSize(900, 600));
+}
+
+void MainWindowTest::windowUsesTheAnchors()
+{
+    window->resize(1600, 1000);
+    QTRY_COMPARE(window->findChild<QWidget *>("viewDeviceSettings")->y(), 1000 - 97);
+    QCOMPARE(window->findChild<QWidget *>("settingsList")->width(), 1600 - 216);
+    window->resize(700, 350);
+    QTRY_COMPARE(window->findChild<QWidget *>("viewDeviceSettings")->y(), 350 - 97);
+}
+
+void MainWindowTest::deleteAllAsksOnlyWithRows()
+{
+    MessageBoxAnswers answers;
+    action("actionDeleteAllProfiles")->trigger();
+    window->findChild<QPushButton *>("deleteAllProfiles")->click();
+    QVERIFY(answers.seen().isEmpty());
+}
+
+void MainWindowTest::helpAndAboutShowTheirBoxes()
+{
+    MessageBoxAnswers answers;
+    action("actionHelp_2")->trigger();
+    action("actionAbout")->trigger();
+    QCOMPARE(answers.titles(), QStringList({"Basic Usage", "About Velantor Software Suite"}));
+    QVERIFY(answers.seen().at(1).text.contains("Build: v1.105 - RELEASE - "));
+    QVERIFY(answers.seen().at(1).text.contains("Velantor Bundle Version: v1.039"));
+}
+
+void MainWindowTest::unpackedFilesStandInTheWorkingDirectory()
+{
+    QCOMPARE(QDir::current().canonicalPath(),
+             QDir(home->path() + "/tst_mainwindow").canonicalPath());
+    for (const char *name :
+         {"vexa.bin", "device.txt", "v1.039.velantor", "master.ss", "24V_rev7.ss", "48V_FSv1.ss",
+          "48V_FSv2.ss", "72V_rev7.ss", "setting_tooltips.txt", "device_keep_profiles.txt",
+          "device_overwrite_profiles.txt", "checksums", "saved_profiles/24v_default_profiles.xml",
+          "saved_profiles/48v_default_profiles.xml", "saved_profiles/72v_default_profiles.xml"})
+        QVERIFY2(QFileInfo::exists(QLatin1String(name)), name);
+}
+
+void MainWindowTest::degreeSignsSurviveTheBundle()
+{
+    QFile schema(MASTER_SS_FILE_NAME);
+    QVERIFY(schema.open(QIODevice::ReadOnly));
+    QFile member(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + MASTER_SS_FILE_NAME);
+    QVERIFY(member.open(QIODevice::ReadOnly));
+    const QByteArray text = schema.readAll();
+    QVERIFY(text.contains("\"\xC2\xB0"
+                          "C\""));
+    QCOMPARE(text, member.readAll());
+}
+
+void MainWindowTest::whatIsNotThereYetIsOutOfReach()
+{
+    emit manager()->settingsRead(true);
+    for (const char *name :
+         {"actionExportXMLProfiles", "actionExportXMLProfilesAndSettings", "actionImportXML",
+          "actionEditGlobalSettings", "actionFlashFirmware", "actionCheckNewFirmware",
+          "actionCheckNewSoftware", "actionChangeAutoUpdates", "actionAboutDevice"})
+        QVERIFY2(!action(name)->isEnabled(), name);
+}
+
+QTEST_MAIN(MainWindowTest)
+#include "tst_mainwindow.moc"
