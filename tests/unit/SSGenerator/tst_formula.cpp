@@ -328,6 +328,7 @@ void TestFormula::diesOfSomeTexts_data()
     row("unknown operator in a sum", "1+a%b", range);
     row("exponent", "1.5e3", range);
     row("point without digits", "5.", range);
+    row("point before an operator", "5.+1", range);
     row("name before parentheses", "a(b)", range);
 }
 

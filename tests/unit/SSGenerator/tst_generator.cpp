@@ -342,8 +342,13 @@ void TestGenerator::readsBodies()
     QCOMPARE(membersOf(one + one), 2);                                // never closed
     QCOMPARE(membersOf(one), 1);
     // Anything else in a body is read as a member.
-    const QString file = write(address + singletons + head + one + "};\n");
-    QVERIFY(runInChild([&] { Generator().parseSSFile(file); }).aborted);
+    QCOMPARE(membersOf(one + "} x\n" + one), 3);
+    const QString file = write(strict + head + one + "};\n");
+    const ChildResult child = runInChild([&] { Generator().parseSSFile(file); });
+    QVERIFY(child.aborted);
+    QCOMPARE(child.standardError,
+             QByteArray("ASSERT: \"commentDescriptorPart.size() != 0\" in file "
+                        "../SSGenerator/structsetting.cpp, line 31\n"));
 }
 
 void TestGenerator::readsUtf8AndLineEnds()

@@ -612,6 +612,9 @@ void TestStructSetting::takesDefaults()
               "basic");
     barcode->setDefault();
     QCOMPARE(barcode->getValue(), QStringLiteral("0000"));
+    barcode->setValue(QStringLiteral("1234"));
+    barcode->setDefault();
+    QCOMPARE(barcode->getValue(), QStringLiteral("0000"));
 
     const Setting empty = parse("char x[5]; // string, auto, \"X\", \"x\", \"\", 0, basic");
     QSignalSpy emptySpy(empty.get(), &StructSetting::valueChanged);
@@ -886,6 +889,13 @@ void TestStructSetting::takesTheFormulasOfAnother()
     QCOMPARE(setting->upperBound->toDouble(), 103.0);
     QCOMPARE(setting->decimals->toDouble(), 2.0);
     QCOMPARE(setting->defaultFormula->toDouble(), 50.0);
+
+    // The number itself is applied again, not its text of six digits.
+    const Setting fine = numberWith("0", "99999", "4", "50");
+    QVERIFY(setting->setFormulaTrees(fine.get(), {}));
+    setting->setValue(1234.5678);
+    QVERIFY(setting->setFormulaTrees(fine.get(), {}));
+    QCOMPARE(setting->getNumber(), 1234.5678);
 
     QVERIFY(!setting->setFormulaTrees(narrow.get(), {}));
     QCOMPARE(setting->getNumber(), 34.0);

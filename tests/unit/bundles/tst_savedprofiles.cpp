@@ -1,3 +1,7 @@
+#include "SSGenerator/generator.h"
+#include "SSGenerator/structsetting.h"
+#include "SSGenerator/structsettings.h"
+
 #include <QFile>
 #include <QTest>
 #include <QXmlStreamReader>
@@ -37,6 +41,21 @@ QByteArray load(const QString &name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+/// The lines of the list of profiles that belong to the set of this file.
+QStringList expectedProfiles(const QString &name)
+{
+    QFile file(QStringLiteral(VELANTOR_SOURCE_DIR "/tests/unit/bundles/saved_profiles.txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("no list of profiles");
+    const QString set = name.section(QLatin1Char('_'), 0, 0);
+    QStringList lines;
+    for (const QString &line : QString::fromLatin1(file.readAll()).split(QLatin1Char('\n'))) {
+        if (line.startsWith(set + QLatin1Char('|')))
+            lines.append(line);
+    }
+    return lines;
+}
+
 QStringList words(const char *text)
 {
     return QString::fromLatin1(text).split(QLatin1Char('|'));
@@ -53,8 +72,10 @@ private slots:
     void holdsItsProfiles();
     void isLaidOutAsTheWriterWould_data() { holdsItsProfiles_data(); }
     void isLaidOutAsTheWriterWould();
-    void holdsTheProfile_data();
-    void holdsTheProfile();
+    void holdsTheProfiles_data() { holdsItsProfiles_data(); }
+    void holdsTheProfiles();
+    void fitsItsHardware_data();
+    void fitsItsHardware();
 };
 
 void SavedProfilesTest::holdsItsProfiles_data()
@@ -117,39 +138,60 @@ void SavedProfilesTest::isLaidOutAsTheWriterWould()
     QCOMPARE(text, expected);
 }
 
-void SavedProfilesTest::holdsTheProfile_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("id");
-    QTest::addColumn<QStringList>("values");
-    const QString set24 = QStringLiteral("24v_default_profiles.xml");
-    const QString set48 = QStringLiteral("48v_default_profiles.xml");
-    const QString set72 = QStringLiteral("72v_default_profiles.xml");
-    QTest::newRow("24 V, first") << set24 << 0
-                                 << words("Lead|12V SLA|Stnd Charge|14.4|8|13.5|0.4|4");
-    QTest::newRow("24 V, first Lithium")
-        << set24 << 4 << words("Lithium|11V Li (3s)|Fast Charge|12.6|15|6.3|0.4|8.8|0.4");
-    QTest::newRow("24 V, last") << set24 << 11
-                                << words(
-                                       "Lithium|24V Li (7s)|85% Charge|28.4|15|14.2|0.4|19.9|0.4");
-    QTest::newRow("48 V, first") << set48 << 0
-                                 << words("Lithium|36V Li(10s)|Fast Charge|42|8|21|0.2|29.4|0.15");
-    QTest::newRow("48 V, LiFe") << set48 << 11
-                                << words("Lithium|48V LiFe|(16s) Fast|57.6|7|28.8|0.2|40.3|0.15");
-    QTest::newRow("48 V, last") << set48 << 15 << words("Lead|48V SLA|Stnd Charge|57.6|4|54|0.5|4");
-    QTest::newRow("72 V, first") << set72 << 0
-                                 << words("Lithium|36V Li(10s)|Full Charge|42|3|21|0.2|29.4|0.15");
-    QTest::newRow("72 V, highest voltage")
-        << set72 << 12 << words("Lithium|88V Li(24s)|Full Charge|100.8|5|50.4|0.2|70.6|0.15");
-    QTest::newRow("72 V, last") << set72 << 16
-                                << words("Lithium|72V LiFe|(24s) Full|86.4|5|43.2|0.2|60.5|0.15");
-}
-
-void SavedProfilesTest::holdsTheProfile()
+void SavedProfilesTest::holdsTheProfiles()
 {
     QFETCH(QString, name);
-    QFETCH(int, id);
-    QTEST(read(load(name)).value(id).values, "values");
+    QStringList found;
+    const QList<Profile> profiles = read(load(name));
+    for (int i = 0; i < profiles.size(); ++i)
+        found.append((QStringList{name.section(QLatin1Char('_'), 0, 0), QString::number(i)} +
+                      profiles.at(i).values)
+                         .join(QLatin1Char('|')));
+    QCOMPARE(found, expectedProfiles(name));
+}
+
+void SavedProfilesTest::fitsItsHardware_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("schema");
+    QTest::newRow("24 V") << "24v_default_profiles.xml"
+                          << "24V_rev7.ss";
+    QTest::newRow("48 V") << "48v_default_profiles.xml"
+                          << "48V_FSv2.ss";
+    QTest::newRow("48 V, first generation") << "48v_default_profiles.xml"
+                                            << "48V_FSv1.ss";
+    QTest::newRow("72 V") << "72v_default_profiles.xml"
+                          << "72V_rev7.ss";
+}
+
+void SavedProfilesTest::fitsItsHardware()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, schema);
+    HParser::Generator generator;
+    generator.parseSSFile(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + schema);
+    for (const Profile &profile : read(load(name))) {
+        const QScopedPointer<HParser::StructSettings> record(
+            generator.copyFlashstackElementSettings(profile.values.first()));
+        QVERIFY(record);
+        record->buildFormulaTrees();
+        QStringList taken{profile.values.first()};
+        // Bounds before what they bound, as an import sets them.
+        for (HParser::StructSetting *setting : record->getDependancyOrderStructSettings()) {
+            const int at = profile.tags.indexOf(setting->xmlName);
+            if (at == -1)
+                continue;
+            setting->advancedEnabled = true;
+            const QString value = profile.values.at(at);
+            if (setting->settingKind == HParser::SettingKind::String)
+                setting->setValue(value);
+            else
+                QVERIFY2(setting->setValue(value.toDouble()), qPrintable(setting->name));
+        }
+        for (const HParser::StructSetting *setting : record->getStructSettings())
+            taken.append(setting->getValue());
+        QCOMPARE(taken, profile.values); // in the order of the display, too
+    }
 }
 
 QTEST_GUILESS_MAIN(SavedProfilesTest)
