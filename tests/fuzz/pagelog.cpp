@@ -35,17 +35,7 @@ int width(const HParser::StructSetting *setting)
 }
 } // namespace
 
-void PageLog::tame(const HParser::Generator *generator)
-{
-    walk(generator, false);
-}
-
-std::optional<int> PageLog::mend(const HParser::Generator *generator)
-{
-    return walk(generator, true);
-}
-
-std::optional<int> PageLog::walk(const HParser::Generator *generator, bool mendChecksums)
+std::optional<int> PageLog::prepare(const HParser::Generator *generator, Checksums checksums)
 {
     elements = 0;
     for (int index = 0;; ++elements) {
@@ -57,25 +47,35 @@ std::optional<int> PageLog::walk(const HParser::Generator *generator, bool mendC
         const HParser::StructSettings *element = ReadFromHEX::getProfileFromType(generator, type);
         if (!element)
             return HEXGeneratorParser::UnknownType;
-        if (!walkElement(element, &index, mendChecksums))
+        switch (prepareElement(element, &index, checksums)) {
+        case ElementEnd::Good:
+            break;
+        case ElementEnd::WrongChecksum:
+            return HEXGeneratorParser::ChecksumMismatch;
+        case ElementEnd::Cut:
             return std::nullopt;
+        }
     }
 }
 
-bool PageLog::walkElement(const HParser::StructSettings *element, int *index, bool mendChecksums)
+PageLog::ElementEnd PageLog::prepareElement(const HParser::StructSettings *element, int *index,
+                                            Checksums checksums)
 {
     const int start = *index;
     int at = nextByte(start); // behind the type
     int bits = 0;
+    bool right = true;
     for (const HParser::StructSetting *setting : element->getOriginalOrderStructSettings()) {
         if (setting->xmlName == QLatin1String("type") ||
             setting->xmlName == QLatin1String("calculated"))
             continue;
-        if (mendChecksums && setting->xmlName == QLatin1String("checksum")) {
+        if (setting->xmlName == QLatin1String("checksum")) {
             int sum = 0;
             for (int i = start; i < at; ++i)
                 sum += byteAt(i);
-            setByte(at, -sum);
+            if (checksums == Checksums::Right)
+                setByte(at, -sum);
+            right = (sum + byteAt(at)) % 256 == 0;
         }
         int last = at;
         for (bits += width(setting); bits >= 8; bits -= 8) {
@@ -86,7 +86,9 @@ bool PageLog::walkElement(const HParser::StructSettings *element, int *index, bo
             setByte(last, byteAt(last) & 0x7F);
     }
     *index = (at + wordSize - 1) / wordSize * wordSize;
-    return at <= bytes.size();
+    if (at > bytes.size())
+        return ElementEnd::Cut;
+    return right ? ElementEnd::Good : ElementEnd::WrongChecksum;
 }
 
 unsigned char PageLog::byteAt(int index) const

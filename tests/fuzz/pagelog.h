@@ -16,22 +16,24 @@ class PageLog
 public:
     explicit PageLog(const QByteArray &stream) : bytes(stream) {}
 
-    /// Clears the top bit of every 8-byte number that a reader would come by. A reader ends the
-    /// process at such a number, as it has to, which must not be taken for a mistake.
-    void tame(const HParser::Generator *generator);
-    /// The same, and gives every element the right checksum. Returns how a reader ends, one of its
-    /// codes or goodEnd; nothing where an element is cut.
-    std::optional<int> mend(const HParser::Generator *generator);
+    enum class Checksums { AsTheyAre, Right };
+
+    /// Gives every element the right checksum, if so wanted, and clears the top bit of every 8-byte
+    /// number that a reader would come by. A reader ends the process at such a number, as it has
+    /// to, which must not be taken for a mistake. Returns how a reader ends: one of its codes or
+    /// goodEnd, or nothing where an element is cut.
+    std::optional<int> prepare(const HParser::Generator *generator, Checksums checksums);
     static constexpr int goodEnd = -1;
 
     const QByteArray &stream() const { return bytes; }
-    /// The elements that the last call found.
+    /// The whole elements that a reader comes by.
     int elementCount() const { return elements; }
 
 private:
-    std::optional<int> walk(const HParser::Generator *generator, bool mendChecksums);
-    /// False where the element at *index is cut; else moves *index behind it.
-    bool walkElement(const HParser::StructSettings *element, int *index, bool mendChecksums);
+    enum class ElementEnd { Good, WrongChecksum, Cut };
+    /// Moves *index behind the element.
+    ElementEnd prepareElement(const HParser::StructSettings *element, int *index,
+                              Checksums checksums);
     /// The value of the byte; 0 behind the end.
     unsigned char byteAt(int index) const;
     void setByte(int index, int value);

@@ -131,11 +131,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const int fileAddress = inside ? wordAddress : otherWordAddress;
     const int room = imageSize - 2 * fileAddress;
     PageLog log(stream.left(room));
-    std::optional<int> expected;
-    if (flags & RightChecksums)
-        expected = log.mend(generator);
-    else
-        log.tame(generator);
+    const std::optional<int> expected =
+        log.prepare(generator, flags & RightChecksums ? PageLog::Checksums::Right
+                                                      : PageLog::Checksums::AsTheyAre);
 
     QFile file(fileName);
     fuzz::require(file.open(QIODevice::WriteOnly), "a file can be written");
@@ -147,7 +145,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     fuzz::require(read == !log.stream().isEmpty(), "a file with data is read");
     const Result result = parse(&reader, generator);
     if (expected && inside) {
-        fuzz::require(result.code == *expected, "a log ends as its types say");
+        fuzz::require(result.code == *expected, "a log ends as its bytes say");
         fuzz::require(result.code != PageLog::goodEnd ||
                           (result.elements.size() <= log.elementCount() &&
                            result.elements.isEmpty() == (log.elementCount() == 0)),
