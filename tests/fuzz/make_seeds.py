@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the seeds that are not text: corpus/profilepage, replies and simulatedcharger.
+"""Makes the seeds that are not text: corpus/profilepage, pageimport, replies and simulatedcharger.
 
 Their layout stands at the head of each target. Run it when a layout changes; seeds that a fuzzer
 has found lie beside the ones made here and are lost then.
@@ -84,6 +84,29 @@ def profile_pages():
         seed("address-%d" % address, V48, BLANK_END, address, counter + version)
 
 
+def page_imports():
+    def seed(name, flags, stream):
+        put("pageimport", name, bytes([flags]) + stream)
+
+    checksums, blank_end = 1, 2
+    for name in ("24v", "48v", "48v-v1", "72v"):
+        page = stream_of(HERE.parent.parent / "simulator" / "pages" / (name + ".hex"))
+        seed("page-" + name, checksums | blank_end, page)
+        seed("page-" + name + "-without-end", checksums, page)
+    counter, lithium_head = element(3, 7), bytes([8, 255, 0, 5])
+    lithium = lithium_head + b"36V Li(10s)\0" + b"Fast".ljust(14, b"\0")
+    numbers = struct.pack("<6H", 2100, 200, 2940, 7900, 4200, 150)
+    for hardware in range(8):
+        seed("hardware-%d" % hardware, checksums | blank_end,
+             counter + element(4, 2) + element(16, hardware) + element(lithium, numbers))
+    seed("first-generation", checksums | blank_end, counter + element(4, 1) + element(lithium, numbers))
+    seed("counter-alone", checksums | blank_end, counter)
+    seed("no-counter", checksums | blank_end, element(4, 2))
+    seed("characters-beyond-ascii", checksums | blank_end,
+         counter + element(4, 2) + element(16, 1)
+         + element(lithium_head, b"\xB0" * 12, b"\xFF" * 14, numbers))
+
+
 def pieces(*parts):
     return b"".join(bytes([len(part)]) + part for part in parts)
 
@@ -150,5 +173,6 @@ def simulated_chargers():
 
 
 profile_pages()
+page_imports()
 replies()
 simulated_chargers()
