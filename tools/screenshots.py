@@ -1,0 +1,197 @@
+#!/usr/bin/env python3
+"""Makes the pictures of the user's guide from the real program, beside simulated chargers.
+
+    screenshots.py PROGRAMS               the guide's pictures, into docs/images
+    screenshots.py PROGRAMS OUTPUT        every window and box, to look at
+    screenshots.py PROGRAMS OUTPUT 2      the same as a screen of twice the density shows them
+
+PROGRAMS is the folder of velantor-suite and velantor-sim. Needs the window manager openbox beside
+what virtualdesk.py needs.
+"""
+
+import pathlib
+import sys
+
+sys.dont_write_bytecode = True  # nothing is left in the source tree
+
+import virtualdesk  # noqa: E402
+from virtualdesk import Desk, MainWindow, Stuck, ending_cleanly, flashpage  # noqa: E402
+
+GUIDE = ("start", "connect", "connected", "changed", "write", "other-charger", "failed")
+
+
+class Album:
+    """Takes the pictures that are wanted."""
+
+    def __init__(self, desk, output, wanted):
+        self.desk, self.output, self.wanted = desk, output, wanted
+
+    def take(self, name, window):
+        self.desk.wait_until_still(window)
+        self.take_moving(name, window)
+
+    def take_moving(self, name, window):
+        """The same of a window with a busy bar, which never comes to rest."""
+        if not self.wanted or name in self.wanted:
+            self.desk.save_window(window, self.output / (name + ".png"))
+            print(name, flush=True)
+
+
+def play(desk, album):
+    suite = MainWindow(desk)
+    album.take("start", suite.window)
+    look_at_menus(desk, album, suite)
+
+    dialog = suite.open_connect_dialog()
+    album.take("no-port", dialog)
+    charger = desk.plug_in("--hardware", "48v", "--pace", "--with-parent")
+    suite.wait_for_connect_button(dialog)
+    album.take("connect", dialog)
+    suite.press_connect(dialog)
+    album.take_moving("connecting", dialog)
+    suite.wait_until_connected()
+    suite.wait_for_rows("the rows come", lambda rows: len(rows) == 6)
+    album.take("connected", suite.window)
+
+    change(desk, album, suite)
+    write(desk, album, suite, charger)
+    read(desk, album, suite, charger)
+    look_at_sizes(desk, album, suite)
+    fail(desk, album, suite, charger)
+
+
+def look_at_menus(desk, album, suite):
+    for name, x in (("file", 20), ("edit", 56), ("help", 96)):
+        suite.window.click(x, 10)
+        album.take("menu-" + name, suite.window)
+        desk.key("Escape")
+    for name, title, downs in (
+        ("getting-started", "Basic Usage", 1),
+        ("about", "About Velantor Software Suite", 2),
+    ):
+        suite.window.click(96, 10)
+        desk.key(*["Down"] * downs, "Return")
+        close_box(desk, album, name, title)
+
+
+def close_box(desk, album, name, title):
+    """Takes a box's picture and closes it without a change."""
+    album.take(name, desk.wait_for_window(title))
+    desk.key("Escape")
+    desk.wait_until_closed(title)
+
+
+def change(desk, album, suite):
+    suite.select(2)
+    suite.click_lamp(1)
+    suite.wait_for_rows("the lamp goes out", lambda rows: not rows[1][0])
+    album.take("changed", suite.window)
+    suite.delete(5)
+    close_box(desk, album, "delete", "Deleting Profile")
+    suite.delete_all()
+    close_box(desk, album, "delete-all", "Delete All Profiles?")
+
+
+def write(desk, album, suite, charger):
+    suite.press(suite.SAVE)
+    dialog = desk.wait_for_window("Progress")
+    album.take_moving("write", dialog)
+    suite.wait_for_success(dialog)
+    album.take("written", dialog)
+    suite.press_ok(dialog)
+    desk.wait_until_closed("Progress")
+    if charger.profiles()[1]["active"]:
+        raise Stuck("the change is not on the charger")
+
+
+def read(desk, album, suite, charger):
+    charger.tell("fault slow=0.3")
+    suite.press(suite.READ)
+    album.take_moving("read", desk.wait_for_window("Progress"))
+    desk.wait_until_closed("Progress")
+    charger.tell("clear")
+
+
+def look_at_sizes(desk, album, suite):
+    before = suite.window.geometry()[2:]
+    for width, height in ((700, 350), (1200, 900)):
+        suite.window.resize(width, height)
+        album.take("window-%dx%d" % (width, height), suite.window)
+    suite.window.resize(before[0] // desk.scale, before[1] // desk.scale)
+
+
+def fail(desk, album, suite, charger):
+    charger.tell("hardware 24v")
+    suite.press(suite.SAVE)
+    dialog = desk.wait_for_window("Progress")
+    suite.wait_for_success(dialog)
+    album.take("other-charger", dialog)
+    suite.press_ok(dialog)
+    desk.wait_until_closed("Progress")
+    album.take("disconnected", suite.window)
+
+    charger.tell("fault silent")
+    dialog = suite.open_connect_dialog()
+    suite.press_connect(dialog)
+    box = desk.wait_for_window("Failed!")
+    album.take("failed", box)
+    album.take("try-again", dialog)
+    desk.key("Escape")
+    desk.wait_until_closed("Failed!")
+    desk.wait_until_closed("Connect")
+
+    import_strange_pages(desk, album, suite, charger)
+    disconnect_without_port(desk, album, suite, charger)
+
+
+def import_strange_pages(desk, album, suite, charger):
+    charger.tell("clear")
+    charger.tell("hardware 48v")
+    elements = charger.page()
+    good = flashpage.encode_page(elements)
+    damaged = bytearray(good)
+    damaged[len(good) // 2] ^= 1
+    strange = (
+        ("invalid-checksum", bytes(damaged)),
+        ("no-page-count", flashpage.encode_page(elements[1:])),
+    )
+    for name, image in strange:
+        file = desk.folder / "strange.hex"
+        file.write_text(flashpage.to_hex(image), encoding="ascii")
+        charger.tell("page %s" % file)
+        suite.press_connect(suite.open_connect_dialog())
+        close_box(desk, album, name, "Import from HEX status")
+        desk.wait_until_closed("Connect")
+
+
+def disconnect_without_port(desk, album, suite, charger):
+    charger.tell("hardware 72v")
+    suite.press_connect(suite.open_connect_dialog())
+    suite.wait_until_connected()
+    charger.tell("unplug")
+    suite.press(suite.DISCONNECT)
+    close_box(desk, album, "no-reset", "Failed Opening Serial Port")
+
+
+def main(arguments):
+    if len(arguments) not in (2, 3, 4):
+        sys.exit(__doc__.strip())
+    wanted = GUIDE if len(arguments) == 2 else ()
+    output = virtualdesk.ROOT / "docs" / "images"
+    if len(arguments) > 2:
+        output = pathlib.Path(arguments[2])
+    output.mkdir(parents=True, exist_ok=True)
+    scale = int(arguments[3]) if len(arguments) == 4 else 1
+    try:
+        with ending_cleanly(), Desk(arguments[1], scale, window_manager="openbox") as desk:
+            try:
+                play(desk, Album(desk, output, wanted))
+            except Stuck:
+                desk.save_screen(output / "stuck.png")
+                raise
+    except Stuck as stuck:
+        sys.exit("FAILED: %s" % stuck)
+
+
+if __name__ == "__main__":
+    main(sys.argv)
