@@ -181,6 +181,7 @@ private slots:
     void asksBeforeDeletingAll();
 
     void rowsOfAChargerMarkChanges();
+    void importedDefaultIsNoChange();
     void otherRowsFollowTheirTexts();
     void disablingEndsTheMarking();
     void enablingTouchesNoRow();
@@ -703,6 +704,18 @@ void ProfileNamesListManagerTest::rowsOfAChargerMarkChanges()
     QCOMPARE(window->titles(), texts({"B**"}));
     member(profile, "description")->setValue(QStringLiteral("Text"));
     QCOMPARE(window->row(0)->getSubtitle(), QStringLiteral("Text"));
+}
+
+void ProfileNamesListManagerTest::importedDefaultIsNoChange()
+{
+    window->manager.enableMarkingChanges();
+    window->import("A", true, true);
+    window->import("B", true, true);
+    QCOMPARE(window->titles(), texts({"A", "B"}));
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->titles(), texts({"A**", "B"}));
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->titles(), texts({"A", "B"}));
 }
 
 void ProfileNamesListManagerTest::otherRowsFollowTheirTexts()

@@ -810,23 +810,25 @@ void TestStructSetting::updatesItsValue()
 
 void TestStructSetting::copiesTheDeclarationOnly()
 {
-    const Setting setting = numberWith("1", "8", "1", "4", "advanced");
+    const Setting setting = parse("unsigned short x; // num, 4, 1, 8, *0.5, 2, \"The X\", \"V\", "
+                                  "\"key\", 6, 3, advanced");
+    setting->buildFormulaTrees({});
     setting->enableAdvancedMode(true);
     setting->setValue(7.0);
     const Setting copy(setting->deepCopy());
     QCOMPARE(copy->name, QStringLiteral("x"));
-    QCOMPARE(copy->cType, QStringLiteral("long"));
+    QCOMPARE(copy->cType, QStringLiteral("unsigned short"));
     QCOMPARE(int(copy->settingKind), 0);
-    QCOMPARE(copy->bits, QStringLiteral("auto"));
+    QCOMPARE(copy->bits, QStringLiteral("4"));
     QCOMPARE(copy->lowerBound->toString(), QStringLiteral("1"));
     QCOMPARE(copy->upperBound->toString(), QStringLiteral("8"));
-    QCOMPARE(copy->scale->toString(), QStringLiteral("1"));
-    QCOMPARE(copy->decimals->toString(), QStringLiteral("1"));
-    QCOMPARE(copy->defaultFormula->toString(), QStringLiteral("4"));
-    QCOMPARE(copy->visualIndex->toString(), QStringLiteral("0"));
-    QCOMPARE(copy->descriptiveName, QStringLiteral("X"));
-    QCOMPARE(copy->unit, QString());
-    QCOMPARE(copy->xmlName, QStringLiteral("x"));
+    QCOMPARE(copy->scale->toString(), QStringLiteral("0.5"));
+    QCOMPARE(copy->decimals->toString(), QStringLiteral("2"));
+    QCOMPARE(copy->defaultFormula->toString(), QStringLiteral("6"));
+    QCOMPARE(copy->visualIndex->toString(), QStringLiteral("3"));
+    QCOMPARE(copy->descriptiveName, QStringLiteral("The X"));
+    QCOMPARE(copy->unit, QStringLiteral("V"));
+    QCOMPARE(copy->xmlName, QStringLiteral("key"));
     QVERIFY(!copy->isBasic);
     QVERIFY(!copy->advancedEnabled);
     QCOMPARE(copy->getNumber(), 0.0);

@@ -6,6 +6,7 @@
 
 #include <QProcess>
 #include <QSignalSpy>
+#include <QTemporaryFile>
 #include <QTest>
 
 using HParser::StructSetting;
@@ -20,6 +21,7 @@ private slots:
     void startsEmpty();
     void takesARecord_data();
     void takesARecord();
+    void modifiableWhateverTheSchemaSays();
     void recordIsPrivate();
     void unknownRecord();
     void modifiableTellsNobody();
@@ -81,6 +83,24 @@ void ProfileSettingsTest::takesARecord()
     QCOMPARE(value(profile.structSettings, "description"), QStringLiteral("Custom"));
     QVERIFY(profile.getModifiable());
     QCOMPARE(value(profile.structSettings, "modifiable"), QStringLiteral("true"));
+}
+
+void ProfileSettingsTest::modifiableWhateverTheSchemaSays()
+{
+    QFile delivered(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/master.ss"));
+    QVERIFY(delivered.open(QIODevice::ReadOnly));
+    QTemporaryFile locked;
+    QVERIFY(locked.open());
+    locked.write(delivered.readAll().replace("\"modifiable\", 1,", "\"modifiable\", 0,"));
+    locked.close();
+    HParser::Generator other;
+    other.parseSSFile(locked.fileName());
+    QCOMPARE(value(other.getChemistrySettingsByName(QStringLiteral("Lead")), "modifiable"),
+             QStringLiteral("false"));
+
+    ProfileSettings profile;
+    QVERIFY(profile.initializeStructSettings(QStringLiteral("Lead"), &other));
+    QVERIFY(profile.getModifiable());
 }
 
 void ProfileSettingsTest::recordIsPrivate()
