@@ -163,6 +163,7 @@ private slots:
     void movesNothingAtTheEnds();
     void movesNothingWithoutCurrentRow();
     void movedDefaultStaysDefault();
+    void movedDefaultCanBeDeactivated();
     void movedRowStaysCurrentAndConnected();
     void movedRowStopsMarking();
     void movedRowScrollsIntoView();
@@ -466,9 +467,25 @@ void ProfileNamesListManagerTest::movedDefaultStaysDefault()
     window->manager.profilePushDown();
     QCOMPARE(window->titles(), texts({"B", "A"}));
     QCOMPARE(window->states(), texts({"A", "AD"}));
-    // The mark can still be taken from it.
+    // The mark can still be taken from it, and its new row shows that.
     window->press(0, "defaultProfileButton");
     QCOMPARE(window->states(), texts({"AD", "A"}));
+    QCOMPARE(
+        window->row(1)->findChild<QPushButton *>(QStringLiteral("defaultProfileButton"))->toolTip(),
+        QStringLiteral("Not Default"));
+}
+
+void ProfileNamesListManagerTest::movedDefaultCanBeDeactivated()
+{
+    window->import("A", true, true);
+    window->import("B", true);
+    window->click(0);
+    window->manager.profilePushDown();
+    window->press(1, "activeProfileButton");
+    QCOMPARE(window->states(), texts({"A", ""}));
+    // No default is left, so that one which is imported gets the mark.
+    window->import("C", true, true);
+    QCOMPARE(window->states(), texts({"A", "", "AD"}));
 }
 
 void ProfileNamesListManagerTest::movedRowStaysCurrentAndConnected()
@@ -584,15 +601,20 @@ void ProfileNamesListManagerTest::deletesCurrentRow()
     QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
     QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
     const QPointer<ProfileName> name = window->row(1);
+    // Whoever hears of it finds no row in view any more.
+    QSignalSpy quick(&window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
+    connect(&window->manager, &ProfileNamesListManager::currentProfileDeleted, this,
+            [this] { window->press(0, "activeProfileButton"); });
     window->manager.deleteProfile(window->item(1));
     QCOMPARE(window->titles(), texts({"A"}));
+    QCOMPARE(window->states(), texts({"A"}));
+    QCOMPARE(quick.count(), 0);
     QCOMPARE(deleted.count(), 1);
     QCOMPARE(empty.count(), 0);
     QVERIFY(window->up.isEnabled());
     QTRY_VERIFY(!name);
 
     // The former row in view is forgotten.
-    QSignalSpy quick(&window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
     window->press(0, "activeProfileButton");
     QCOMPARE(quick.count(), 0);
     window->click(0);
@@ -832,6 +854,9 @@ void ProfileNamesListManagerTest::misfitsAreRemoved()
                             "hardware limits. \n\nHigh - Custom\nNickel pack - 36 V\n\nThey must "
                             "be removed. Are you sure you would like to continue?"));
     QCOMPARE(window->titles(), texts({"Fits"}));
+    // The removed ones have the new limits, too.
+    QCOMPARE(member(tooHigh, "full_V")->getNumber(), 34.0);
+    QCOMPARE(member(nickel, "nominal_full_V")->upperBound->toDouble(), 24.0);
     QCOMPARE(reverted.count(), 0);
     QCOMPARE(shown.count(), 1);
     QCOMPARE(rowOf(shown.first()), window->row(0));
