@@ -7,6 +7,7 @@
 #include "ui_profilename.h"
 
 #include <QIcon>
+#include <QPalette>
 
 #include <utility>
 
@@ -28,6 +29,15 @@ const QIcon &lamp(bool on)
     return on ? green : none;
 }
 
+/// A row is white or grey whatever the desktop's colours are, so what is written there is black.
+void writeBlack(QLabel *label)
+{
+    QPalette colours = label->palette();
+    colours.setColor(QPalette::WindowText, Qt::black);
+    colours.setColor(QPalette::Text, Qt::black); // what counts within a list
+    label->setPalette(colours);
+}
+
 void describe(QWidget *button, const QString &text)
 {
     button->setToolTip(text);
@@ -43,6 +53,8 @@ ProfileName::ProfileName(ProfileNameListWidget *item, QWidget *parent)
     // Without it the background of the style sheet reaches the children only.
     setAttribute(Qt::WA_StyledBackground);
 
+    writeBlack(ui->profileTitle);
+    writeBlack(ui->profileSubtitle);
     setTitle(QStringLiteral("Title"));
     setSubtitle(QStringLiteral("Subtitle"));
     applyStyleSheet(ui->activeProfileButton, QStringLiteral("border:none;"));

@@ -10,6 +10,7 @@
 
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPalette>
 #include <QPointer>
 #include <QPushButton>
 
@@ -49,6 +50,14 @@ QString titleAndDescription(const HParser::StructSettings *record)
            record->getStructSettingByName(QStringLiteral("description"))->getValue();
 }
 
+/// Rows are white whatever the desktop's colours are, and so is the list around them.
+void paintWhite(QListWidget *list)
+{
+    QPalette colours = list->palette();
+    colours.setColor(QPalette::Base, Qt::white);
+    list->setPalette(colours);
+}
+
 } // namespace
 
 ProfileNamesListManager::ProfileNamesListManager(QWidget *parent, QListWidget *list,
@@ -68,6 +77,7 @@ ProfileNamesListManager::ProfileNamesListManager(QWidget *parent, QListWidget *l
     list->setSelectionMode(QAbstractItemView::NoSelection);
     list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     list->setStyleSheet(QStringLiteral("QListWidget::item { border-bottom: 1px solid black; }"));
+    paintWhite(list);
     up->setEnabled(false);
     down->setEnabled(false);
 

@@ -8,6 +8,7 @@
 #include "profiles/profilesettings.h"
 #include "support/messageboxanswers.h"
 
+#include <QLabel>
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
@@ -181,6 +182,7 @@ private slots:
     void asksBeforeDeletingAll_data();
     void asksBeforeDeletingAll();
 
+    void rowsAreReadableWhateverTheDesktopsColours();
     void rowsOfAChargerMarkChanges();
     void importedDefaultIsNoChange();
     void otherRowsFollowTheirTexts();
@@ -707,6 +709,38 @@ void ProfileNamesListManagerTest::asksBeforeDeletingAll()
     if (questions > 0)
         QCOMPARE(answers->seen().first().title, QStringLiteral("Delete All Profiles?"));
     QTEST(window->list.count(), "left");
+}
+
+void ProfileNamesListManagerTest::rowsAreReadableWhateverTheDesktopsColours()
+{
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(QPalette(Qt::darkGray, Qt::black));
+    window = std::make_unique<Window>();
+    window->import("A");
+    window->import("B");
+    window->click(0);
+    window->click(1);
+    // Of three rows one was never in view, one was and one is.
+    window->import("C");
+    QCoreApplication::processEvents();
+    const QImage list = window->list.grab().toImage();
+    QApplication::setPalette(before);
+
+    const QList<QColor> backgrounds{Qt::white, QColor(200, 200, 200), Qt::white};
+    for (int row = 0; row < 3; ++row) {
+        const QPoint corner = window->row(row)->mapTo(&window->list, QPoint(0, 0));
+        QCOMPARE(list.pixelColor(corner + QPoint(180, 3)), backgrounds.at(row));
+        for (const char *name : {"profileTitle", "profileSubtitle"}) {
+            const auto *label = window->row(row)->findChild<QLabel *>(QLatin1String(name));
+            const QImage text = list.copy(label->geometry().translated(corner));
+            int darkest = 255;
+            for (int y = 0; y < text.height(); ++y) {
+                for (int x = 0; x < 90; ++x)
+                    darkest = qMin(darkest, text.pixelColor(x, y).value());
+            }
+            QVERIFY2(darkest < 100, name);
+        }
+    }
 }
 
 void ProfileNamesListManagerTest::rowsOfAChargerMarkChanges()
