@@ -1,5 +1,6 @@
 #include "SSGenerator/generator.h"
 #include "app/filenames.h"
+#include "app/look.h"
 #include "app/mainwindow.h"
 #include "device/uploaddownloadmanager.h"
 #include "profiles/profilenameslistmanager.h"
@@ -35,6 +36,7 @@ private slots:
     void cleanup();
 
     void titleAndSizes();
+    void theLookReachesTheWindowThatIsThere();
     void menusHoldTheirEntriesInOrder_data();
     void menusHoldTheirEntriesInOrder();
     void textsOfTheForm_data();
@@ -103,6 +105,24 @@ void MainWindowTest::titleAndSizes()
     QCOMPARE(window->minimumSize(), QSize(700, 350));
     QVERIFY(!window->windowIcon().isNull());
     QVERIFY(window->findChild<QStatusBar *>()->isHidden());
+}
+
+void MainWindowTest::theLookReachesTheWindowThatIsThere()
+{
+    const QFont before = QApplication::font();
+    setSuiteLook();
+    QWidget *connectButton =
+        window->findChild<QToolBar *>()->widgetForAction(action("connectAction"));
+    for (const QWidget *widget :
+         {static_cast<QWidget *>(window.get()), static_cast<QWidget *>(window->menuBar()),
+          static_cast<QWidget *>(window->findChild<QMenu *>()), connectButton,
+          window->findChild<QWidget *>(QStringLiteral("profileNameUpButton"))}) {
+        QCOMPARE(widget->font().family(), QStringLiteral("Arial"));
+        QCOMPARE(widget->font().pointSize(), 9);
+    }
+    QVERIFY(qApp->styleSheet().startsWith(QStringLiteral("QLineEdit{border-color: rgb(176, ")));
+    qApp->setStyleSheet(QString());
+    QApplication::setFont(before);
 }
 
 void MainWindowTest::menusHoldTheirEntriesInOrder_data()
