@@ -1,4 +1,5 @@
 #include "e2e/vexarun.h"
+#include "support/patience.h"
 #include "support/simulatorprocess.h"
 #include "support/workingdirectory.h"
 

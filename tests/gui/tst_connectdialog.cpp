@@ -2,6 +2,7 @@
 
 #include "support/fakeuploader.h"
 #include "support/messageboxanswers.h"
+#include "support/patience.h"
 
 #include <QComboBox>
 #include <QGroupBox>

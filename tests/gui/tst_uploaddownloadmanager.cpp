@@ -6,6 +6,7 @@
 #include "support/capturedoutput.h"
 #include "support/fakeuploader.h"
 #include "support/messageboxanswers.h"
+#include "support/patience.h"
 #include "support/pseudoterminal.h"
 
 #include <QComboBox>

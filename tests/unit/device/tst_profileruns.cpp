@@ -2,6 +2,7 @@
 #include "device/uploadprofiles.h"
 
 #include "support/fakeuploader.h"
+#include "support/patience.h"
 
 #include <QtTest>
 
@@ -68,7 +69,7 @@ void ProfileRunsTest::readsTheProfilePage()
     QSignalSpy finished(run, &DownloadProfiles::finished);
     QSignalSpy failed(run, &DownloadProfiles::errorDownloading);
     run->start();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(PATIENCE));
     QCOMPARE(uploader->runs(), QStringList(READ));
     QCOMPARE(finished.size(), 1);
     QCOMPARE(failed.size(), 0);
@@ -89,7 +90,7 @@ void ProfileRunsTest::readFails()
     QSignalSpy finished(download, &DownloadProfiles::finished);
     QSignalSpy failed(download, &DownloadProfiles::errorDownloading);
     download->start();
-    QVERIFY(failed.wait());
+    QVERIFY(failed.wait(PATIENCE));
     QCOMPARE(failed.size(), 1);
     QCOMPARE(finished.size(), 0);
 }
@@ -111,7 +112,7 @@ void ProfileRunsTest::uploadErasesThenWrites()
     QSignalSpy finished(run, &UploadProfiles::finished);
     QSignalSpy failed(run, &UploadProfiles::errorUploading);
     run->start();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(PATIENCE));
     QCOMPARE(uploader->runs(), QStringList({ERASE, WRITE}));
     QCOMPARE(finished.size(), 1);
     QCOMPARE(failed.size(), 0);
@@ -135,7 +136,7 @@ void ProfileRunsTest::uploadFails()
     QSignalSpy finished(run, &UploadProfiles::finished);
     QSignalSpy failed(run, &UploadProfiles::errorUploading);
     run->start();
-    QVERIFY(failed.wait());
+    QVERIFY(failed.wait(PATIENCE));
     QCOMPARE(failed.size(), 1);
     QCOMPARE(finished.size(), 0);
     QCOMPARE(uploader->runs(), runs);
@@ -148,7 +149,7 @@ void ProfileRunsTest::failedEraseLeavesTheFile()
     auto *run = new UploadProfiles(PORT, owner.get());
     QSignalSpy failed(run, &UploadProfiles::errorUploading);
     run->start();
-    QVERIFY(failed.wait());
+    QVERIFY(failed.wait(PATIENCE));
     QCOMPARE(uploader->folder.read(QStringLiteral("fs_to_write.hex")), QByteArray(":00000001FF\n"));
 }
 
@@ -196,7 +197,7 @@ void ProfileRunsTest::unreadableUploaderRuns()
     auto *run = new DownloadProfiles(PORT, owner.get());
     QSignalSpy finished(run, &DownloadProfiles::finished);
     run->start();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(PATIENCE));
 }
 
 void ProfileRunsTest::logGrowsOverAllRuns()
@@ -207,13 +208,13 @@ void ProfileRunsTest::logGrowsOverAllRuns()
         auto *run = new DownloadProfiles(PORT, owner.get());
         QSignalSpy finished(run, &DownloadProfiles::finished);
         run->start();
-        QVERIFY(finished.wait());
+        QVERIFY(finished.wait(PATIENCE));
     }
     QCOMPARE(uploader->folder.read(QStringLiteral("vexaLog.txt")), QByteArray("first read\n"));
     auto *run = new UploadProfiles(PORT, owner.get());
     QSignalSpy finished(run, &UploadProfiles::finished);
     run->start();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(PATIENCE));
     QCOMPARE(uploader->folder.read(QStringLiteral("vexaLog.txt")),
              QByteArray("first read\nerase\nwrite"));
 }
@@ -225,7 +226,7 @@ void ProfileRunsTest::logTakesNoErrors()
     auto *run = new DownloadProfiles(PORT, owner.get());
     QSignalSpy failed(run, &DownloadProfiles::errorDownloading);
     run->start();
-    QVERIFY(failed.wait());
+    QVERIFY(failed.wait(PATIENCE));
     QCOMPARE(uploader->folder.read(QStringLiteral("vexaLog.txt")),
              QByteArray("of the last start\nprinted\n"));
 }
@@ -235,7 +236,7 @@ void ProfileRunsTest::processesBelongToTheParent()
     auto *run = new UploadProfiles(PORT, owner.get());
     QSignalSpy finished(run, &UploadProfiles::finished);
     run->start();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(PATIENCE));
     QCOMPARE(run->parent(), owner.get());
     QCOMPARE(owner->findChildren<QProcess *>(QString(), Qt::FindDirectChildrenOnly).size(), 2);
     QCOMPARE(run->findChildren<QProcess *>().size(), 0);

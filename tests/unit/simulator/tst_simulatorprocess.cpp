@@ -1,3 +1,4 @@
+#include "support/patience.h"
 #include "support/simulatorprocess.h"
 
 #include <QDir>
