@@ -1,13 +1,20 @@
 #include "suitestory.h"
 
+#include "app/filenames.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTest>
+
+namespace
+{
+const QString REAL_UPLOADER = QStringLiteral("uploader.bin");
+} // namespace
 
 SuiteStory::SuiteStory()
 {
@@ -44,12 +51,38 @@ QString SuiteStory::chargerMode()
     return {};
 }
 
+void SuiteStory::mend()
+{
+    charger().control(QStringLiteral("clear"));
+    if (charger().port() == QLatin1String("unplugged"))
+        charger().control(QStringLiteral("plug"));
+}
+
 void SuiteStory::open()
 {
     window = std::make_unique<MainWindow>();
     window->show();
-    if (!QTest::qWaitForWindowExposed(window.get()))
+    if (!QTest::qWaitForWindowExposed(window.get(), PATIENCE))
         qFatal("the window does not come up");
+}
+
+void SuiteStory::replaceUploader(const QByteArray &shell)
+{
+    if (!QFile::exists(REAL_UPLOADER) && !QFile::rename(VEXA_FILE_NAME, REAL_UPLOADER))
+        qFatal("there is no uploader");
+    QFile::remove(VEXA_FILE_NAME);
+    QFile script(VEXA_FILE_NAME);
+    if (!script.open(QIODevice::WriteOnly))
+        qFatal("no script for the uploader");
+    script.write("#!/bin/sh\n" + shell);
+    script.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+}
+
+void SuiteStory::bringUploaderBack()
+{
+    QFile::remove(VEXA_FILE_NAME);
+    if (!QFile::rename(REAL_UPLOADER, VEXA_FILE_NAME))
+        qFatal("the uploader was not replaced");
 }
 
 QAction *SuiteStory::action(const char *name) const
@@ -75,22 +108,33 @@ QDialog *SuiteStory::dialog()
 
 bool SuiteStory::waitForDialogsToEnd()
 {
-    return QTest::qWaitFor([] { return !dialog() && !QApplication::activeModalWidget(); }, 30000);
+    return QTest::qWaitFor([] { return !dialog() && !QApplication::activeModalWidget(); },
+                           PATIENCE);
 }
 
 bool SuiteStory::startConnecting()
 {
     action("connectAction")->trigger();
-    return QTest::qWaitFor([] { return dialog() != nullptr; });
+    return QTest::qWaitFor([] { return dialog() != nullptr; }, PATIENCE);
+}
+
+bool SuiteStory::pressConnect()
+{
+    auto *ports = dialog()->findChild<QComboBox *>(QStringLiteral("comPortsDropdown"));
+    auto *button = dialog()->findChild<QPushButton *>(QStringLiteral("okButton"));
+    const QString port = charger().portName();
+    // A cable that was pulled and plugged in again has to be noticed first.
+    const auto isListed = [=] { return button->isEnabled() && ports->findText(port) >= 0; };
+    if (!QTest::qWaitFor(isListed, PATIENCE))
+        return false;
+    ports->setCurrentText(port);
+    QTest::mouseClick(button, Qt::LeftButton);
+    return waitForDialogsToEnd() && isConnected();
 }
 
 bool SuiteStory::connectCharger()
 {
-    if (!startConnecting())
-        return false;
-    QTest::mouseClick(dialog()->findChild<QPushButton *>(QStringLiteral("okButton")),
-                      Qt::LeftButton);
-    return waitForDialogsToEnd() && isConnected();
+    return startConnecting() && pressConnect();
 }
 
 bool SuiteStory::readData()
@@ -110,7 +154,7 @@ bool SuiteStory::saveData()
         return ok && ok->isEnabled() && !QApplication::activePopupWidget() &&
                !qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
     };
-    if (!QTest::qWaitFor(mayBeClosed, 60000))
+    if (!QTest::qWaitFor(mayBeClosed, 2 * PATIENCE)) // four runs of the uploader
         return false;
     if (QDialog *front = dialog())
         QTest::mouseClick(front->findChild<QPushButton *>(QStringLiteral("okButton")),

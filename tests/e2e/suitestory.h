@@ -2,6 +2,7 @@
 
 #include "app/mainwindow.h"
 #include "support/messageboxanswers.h"
+#include "support/patience.h"
 #include "support/simulatorprocess.h"
 
 #include <QAction>
@@ -33,7 +34,12 @@ public:
     SimulatorProcess &charger() { return *simulated; }
     /// "bootloader" or "left".
     QString chargerMode();
+    /// Ends all faults of the charger and plugs its cable in.
+    void mend();
     void open();
+    /// Puts a script in the place of the uploader, which it finds as "./uploader.bin".
+    static void replaceUploader(const QByteArray &shell);
+    static void bringUploaderBack();
 
     MainWindow *mainWindow() const { return window.get(); }
     HParser::Generator *generator() const { return window->getGenerator(); }
@@ -44,8 +50,10 @@ public:
 
     /// "Connect" in the tool bar; true with the dialog on screen.
     bool startConnecting();
-    /// startConnecting(), then the dialog's button; true with the charger connected and no dialog
-    /// left.
+    /// Picks the charger's port in the dialog that is open and presses its button, "Connect" or
+    /// "Try Again"; true with the charger connected and no dialog left.
+    bool pressConnect();
+    /// startConnecting(), then pressConnect().
     bool connectCharger();
     /// "Read Data"; true when no dialog is left.
     bool readData();

@@ -4,10 +4,11 @@
 #include "app/filenames.h"
 #include "profiles/profilename.h"
 #include "suitestory.h"
+#include "support/flashpage.h"
 
 #include <QComboBox>
 #include <QLabel>
-#include <QSignalSpy>
+#include <QSerialPortInfo>
 #include <QTest>
 
 /// Stories of connecting: the right schema, the right rows, and every way in which it can fail.
@@ -24,16 +25,19 @@ private slots:
     void failuresOfTheUploader();
     void failuresOfTheFiles_data();
     void failuresOfTheFiles();
-    void tryAgainSucceedsOnceTheChargerAnswers();
     void cancelAfterAFailureClosesTheDialog();
     void aPortThatIsPluggedInLaterCanBeChosen();
+    void onlyTheChosenChargerIsRead();
     void pagesThatCannotBeImported_data();
     void pagesThatCannotBeImported();
+    void elementsThatTheStrictSchemaDoesNotKnow();
     void aStaleImageIsImportedAsItIs();
     void noImageAtAllIsSaid();
     void disconnectResetsTheCharger();
+    void disconnectClearsTheMarks();
     void disconnectWithThePortGoneSaysSo();
     void rereadingBringsTheRowsBack();
+    void failedRereadingDisconnects_data();
     void failedRereadingDisconnects();
 };
 
@@ -148,7 +152,7 @@ void SuiteConnectTest::failuresOfTheUploader()
     story.boxes.push(QMessageBox::Ok);
     QVERIFY(story.startConnecting());
     connectButton()->click();
-    QTRY_COMPARE_WITH_TIMEOUT(story.boxes.seen().size(), 1, 30000);
+    QTRY_COMPARE(story.boxes.seen().size(), 1);
     const MessageBoxAnswers::Box box = story.boxes.seen().first();
     QCOMPARE(box.title, QStringLiteral("Failed!"));
     QCOMPARE(box.icon, QMessageBox::Warning);
@@ -158,6 +162,10 @@ void SuiteConnectTest::failuresOfTheUploader()
     QVERIFY(!story.isConnected());
     QCOMPARE(story.list()->count(), 0);
     QVERIFY(story.generator()->isMaster());
+
+    story.mend();
+    QVERIFY(story.pressConnect());
+    QCOMPARE(story.list()->count(), 6);
 }
 
 void SuiteConnectTest::failuresOfTheFiles_data()
@@ -173,51 +181,40 @@ void SuiteConnectTest::failuresOfTheFiles()
     SuiteStory story;
     story.plugIn({"--hardware", "48v"});
     story.open();
-    QVERIFY(QFile::remove(missing));
+    const QString away = missing + QStringLiteral(".away");
+    QVERIFY(QFile::rename(missing, away));
     story.boxes.push(QMessageBox::Ok);
     QVERIFY(story.startConnecting());
     connectButton()->click();
-    QTRY_COMPARE_WITH_TIMEOUT(story.boxes.seen().size(), 1, 30000);
+    QTRY_COMPARE(story.boxes.seen().size(), 1);
     QCOMPARE(story.boxes.seen().first().title, QStringLiteral("Failed!"));
     QVERIFY(connectButton()->isEnabled());
     QVERIFY(!story.isConnected());
-}
 
-void SuiteConnectTest::tryAgainSucceedsOnceTheChargerAnswers()
-{
-    SuiteStory story;
-    story.plugIn({"--hardware", "48v", "--fault", "silent@version"});
-    story.open();
-    story.boxes.push(QMessageBox::Ok);
-    story.boxes.push(QMessageBox::Ok);
-    QVERIFY(story.startConnecting());
-    connectButton()->click();
-    QTRY_COMPARE_WITH_TIMEOUT(story.boxes.seen().size(), 1, 30000);
-    QTRY_VERIFY(connectButton()->isEnabled());
-    connectButton()->click();
-    QTRY_COMPARE_WITH_TIMEOUT(story.boxes.seen().size(), 2, 30000);
-    story.charger().control("clear");
-    QTRY_VERIFY(connectButton()->isEnabled());
-    connectButton()->click();
-    QTRY_VERIFY_WITH_TIMEOUT(story.isConnected(), 30000);
-    QTRY_VERIFY(!SuiteStory::dialog());
-    QCOMPARE(story.list()->count(), 6);
+    QVERIFY(QFile::rename(away, missing));
+    QVERIFY(story.pressConnect());
 }
 
 void SuiteConnectTest::cancelAfterAFailureClosesTheDialog()
 {
     SuiteStory story;
-    story.plugIn({"--hardware", "48v", "--fault", "silent@version"});
+    story.plugIn({"--hardware", "48v", "--fault", "lost-echo@version"});
     story.open();
     story.boxes.push(QMessageBox::Cancel);
     QVERIFY(story.startConnecting());
     connectButton()->click();
-    QTRY_VERIFY_WITH_TIMEOUT(!SuiteStory::dialog() && !story.boxes.seen().isEmpty(), 30000);
+    QTRY_VERIFY(!SuiteStory::dialog() && !story.boxes.seen().isEmpty());
     QVERIFY(!story.isConnected());
+    story.mend();
+    QVERIFY(story.connectCharger());
 }
 
 void SuiteConnectTest::aPortThatIsPluggedInLaterCanBeChosen()
 {
+    for (const QSerialPortInfo &port : QSerialPortInfo::availablePorts()) {
+        if (!port.portName().contains("ttyS"))
+            QSKIP("a cable is plugged into this computer");
+    }
     SuiteStory story;
     story.open();
     QVERIFY(story.startConnecting());
@@ -229,8 +226,19 @@ void SuiteConnectTest::aPortThatIsPluggedInLaterCanBeChosen()
     auto *ports = SuiteStory::dialog()->findChild<QComboBox *>("comPortsDropdown");
     QCOMPARE(ports->currentText(), story.charger().portName());
     connectButton()->click();
-    QTRY_VERIFY_WITH_TIMEOUT(story.isConnected(), 30000);
+    QTRY_VERIFY(story.isConnected());
     QCOMPARE(story.list()->count(), 4);
+}
+
+void SuiteConnectTest::onlyTheChosenChargerIsRead()
+{
+    SuiteStory story;
+    story.plugIn({"--hardware", "72v"});
+    SimulatorProcess other({"--hardware", "24v"});
+    story.open();
+    QVERIFY(story.connectCharger());
+    QCOMPARE(story.generator()->getHFileLocation(), REV7_72V_SS_FILE_NAME);
+    QCOMPARE(other.commands(), QStringList());
 }
 
 void SuiteConnectTest::pagesThatCannotBeImported_data()
@@ -288,7 +296,7 @@ void SuiteConnectTest::pagesThatCannotBeImported()
     story.open();
     QVERIFY(story.startConnecting());
     connectButton()->click();
-    QTRY_COMPARE_WITH_TIMEOUT(story.boxes.seen().size(), 1, 30000);
+    QTRY_COMPARE(story.boxes.seen().size(), 1);
     QTRY_VERIFY(!SuiteStory::dialog());
     const MessageBoxAnswers::Box box = story.boxes.seen().first();
     QCOMPARE(box.title, title);
@@ -304,6 +312,35 @@ void SuiteConnectTest::pagesThatCannotBeImported()
     QCOMPARE(story.list()->count(), 6);
 }
 
+void SuiteConnectTest::elementsThatTheStrictSchemaDoesNotKnow()
+{
+    // A charger of the first generation has no hardware version, though the master knows one: the
+    // failure comes out of the import that the strict schema has started from within the first.
+    QTemporaryDir folder;
+    QFile page(folder.filePath("page.hex"));
+    QVERIFY(page.open(QIODevice::WriteOnly));
+    page.write(FlashPage()
+                   .add(FlashPage::number(3, 1) + FlashPage::number(41, 1))
+                   .add(FlashPage::number(4, 1) + FlashPage::number(1, 1))
+                   .add(FlashPage::number(16, 1) + FlashPage::number(4, 1))
+                   .toHex());
+    page.close();
+    SuiteStory story;
+    story.plugIn({"--page", page.fileName()});
+    story.open();
+    QVERIFY(story.startConnecting());
+    connectButton()->click();
+    QTRY_COMPARE(story.boxes.seen().size(), 1);
+    QTRY_VERIFY(!SuiteStory::dialog());
+    QVERIFY(story.boxes.seen().first().text.contains("Invalid Type Field"));
+    QVERIFY(!story.isConnected());
+    QVERIFY(story.generator()->isMaster());
+
+    story.plugIn({"--hardware", "48v"});
+    QVERIFY(story.connectCharger());
+    QCOMPARE(story.list()->count(), 6);
+}
+
 void SuiteConnectTest::aStaleImageIsImportedAsItIs()
 {
     SuiteStory story;
@@ -311,12 +348,7 @@ void SuiteConnectTest::aStaleImageIsImportedAsItIs()
     story.open();
     QVERIFY(story.connectCharger());
     // An uploader that ends well and reads nothing, as after a second opening that failed.
-    QVERIFY(QFile::remove(VEXA_FILE_NAME));
-    QFile uploader(VEXA_FILE_NAME);
-    QVERIFY(uploader.open(QIODevice::WriteOnly));
-    uploader.write("#!/bin/sh\necho 'Can not open comport'\nexit 0\n");
-    uploader.close();
-    uploader.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    story.replaceUploader("echo 'Can not open comport'\nexit 0\n");
     story.charger().control("hardware 24v");
     QVERIFY(story.readData());
     QVERIFY(story.isConnected());
@@ -328,20 +360,18 @@ void SuiteConnectTest::noImageAtAllIsSaid()
     SuiteStory story;
     story.plugIn({"--hardware", "48v"});
     story.open();
-    QVERIFY(QFile::remove(VEXA_FILE_NAME));
-    QFile uploader(VEXA_FILE_NAME);
-    QVERIFY(uploader.open(QIODevice::WriteOnly));
-    uploader.write("#!/bin/sh\nexit 0\n");
-    uploader.close();
-    uploader.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    story.replaceUploader("exit 0\n");
     QVERIFY(story.startConnecting());
     connectButton()->click();
-    QTRY_COMPARE_WITH_TIMEOUT(story.boxes.seen().size(), 1, 30000);
+    QTRY_COMPARE(story.boxes.seen().size(), 1);
     QCOMPARE(story.boxes.seen().first().text,
              QStringLiteral("An error occurred while reading profiles from HEX. Please try "
                             "again."));
     QCOMPARE(story.boxes.seen().first().icon, QMessageBox::Warning);
-    QTRY_VERIFY(!story.isConnected());
+    QTRY_VERIFY(!SuiteStory::dialog());
+    QVERIFY(!story.isConnected());
+    story.bringUploaderBack();
+    QVERIFY(story.connectCharger());
 }
 
 void SuiteConnectTest::disconnectResetsTheCharger()
@@ -357,6 +387,28 @@ void SuiteConnectTest::disconnectResetsTheCharger()
     QVERIFY(story.generator()->isMaster());
     QCOMPARE(story.list()->count(), 6);
     QCOMPARE(story.action("connectAction")->text(), QStringLiteral("Connect"));
+
+    // It charges now and does not answer, until its user has it enter the bootloader again.
+    story.boxes.push(QMessageBox::Ok);
+    QVERIFY(story.startConnecting());
+    connectButton()->click();
+    QTRY_COMPARE(story.boxes.titles(), QStringList{"Failed!"});
+    story.charger().control("enter");
+    QVERIFY(story.pressConnect());
+}
+
+void SuiteConnectTest::disconnectClearsTheMarks()
+{
+    SuiteStory story;
+    story.plugIn({"--hardware", "48v"});
+    story.open();
+    QVERIFY(story.connectCharger());
+    QTest::mouseClick(story.row(1)->findChild<QAbstractButton *>("activeProfileButton"),
+                      Qt::LeftButton);
+    QCOMPARE(story.titles().at(1), QStringLiteral("36V Li(10s)**"));
+    QVERIFY(story.disconnectCharger());
+    QCOMPARE(story.titles().at(1), QStringLiteral("36V Li(10s)"));
+    QVERIFY(!story.row(1)->getActiveStatus()); // the change itself stays
 }
 
 void SuiteConnectTest::disconnectWithThePortGoneSaysSo()
@@ -373,6 +425,8 @@ void SuiteConnectTest::disconnectWithThePortGoneSaysSo()
     QCOMPARE(box.icon, QMessageBox::Information);
     QCOMPARE(box.text, QStringLiteral("<strong>Device Not Found error:<strong/><br/><br/>Could "
                                       "not find device requested!"));
+    story.mend();
+    QVERIFY(story.connectCharger());
 }
 
 void SuiteConnectTest::rereadingBringsTheRowsBack()
@@ -390,13 +444,21 @@ void SuiteConnectTest::rereadingBringsTheRowsBack()
     QVERIFY(story.isConnected());
 }
 
+void SuiteConnectTest::failedRereadingDisconnects_data()
+{
+    QTest::addColumn<QString>("fault");
+    QTest::newRow("silent") << "silent@read:2";
+    QTest::newRow("cable pulled") << "unplug@read:3";
+}
+
 void SuiteConnectTest::failedRereadingDisconnects()
 {
+    QFETCH(QString, fault);
     SuiteStory story;
     story.plugIn({"--hardware", "48v"});
     story.open();
     QVERIFY(story.connectCharger());
-    story.charger().fault("silent@read:2");
+    story.charger().fault(fault);
     story.boxes.push(QMessageBox::Ok);
     QVERIFY(story.readData());
     QCOMPARE(story.boxes.titles(), QStringList{"Failed!"});
@@ -404,7 +466,7 @@ void SuiteConnectTest::failedRereadingDisconnects()
     QVERIFY(!story.isConnected());
     QVERIFY(story.generator()->isMaster());
     QCOMPARE(story.list()->count(), 6);
-    story.charger().control("clear");
+    story.mend();
     QVERIFY(story.connectCharger());
 }
 
