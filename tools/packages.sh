@@ -11,7 +11,10 @@ need_packages() {
     local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || {
-            echo "These packages are missing and sudo is not here to install them: ${missing[*]}" >&2
+            {
+                echo "These packages are missing, and without sudo only root can install them:"
+                echo "    apt-get install --no-install-recommends ${missing[*]}"
+            } >&2
             exit 1
         }
         as_root=(sudo)
@@ -21,7 +24,9 @@ need_packages() {
         apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
 
-# What every build needs.
-build_packages=(g++ cmake ninja-build qtbase5-dev qtbase5-dev-tools libqt5serialport5-dev)
-# What a window needs where no desktop brought it along.
-display_packages=(fonts-liberation xvfb xauth xdotool imagemagick python3)
+# What every build needs; configuring the tests asks for Python.
+build_packages=(g++ cmake ninja-build qtbase5-dev qtbase5-dev-tools libqt5serialport5-dev python3)
+# What a window needs that no desktop is sure to bring along: the suite asks for Arial, this is it.
+window_packages=(fonts-liberation)
+# What plays and photographs the suite where nobody looks on.
+display_packages=("${window_packages[@]}" xvfb xdotool imagemagick)
