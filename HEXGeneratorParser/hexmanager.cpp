@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <cstdio>
@@ -111,6 +112,21 @@ QList<ParsedFSElement *> HEXManager::readCharger() const
 
 void HEXManager::importFSElements()
 {
+    if (!codeOfInnerImport) {
+        importCharger();
+        return;
+    }
+    // Called by a receiver of sortedFSElements(): an exception must not leave through the emission
+    // of a signal. The outer import throws the code when all receivers have run.
+    try {
+        importCharger();
+    } catch (int code) {
+        *codeOfInnerImport = code;
+    }
+}
+
+void HEXManager::importCharger()
+{
     emit deleteAllProfiles();
     const QList<ParsedFSElement *> elements = readCharger();
     auto records = std::make_unique<QObject>();
@@ -121,8 +137,13 @@ void HEXManager::importFSElements()
     importedRecords = std::move(records);
     importProfiles->sortElements(elements);
     if (generator->isMaster()) {
-        // The receiver may call this function again: nothing of this call is used behind it.
-        emit sortedFSElements();
+        std::optional<int> innerCode;
+        {
+            const QScopedValueRollback<std::optional<int> *> inner(codeOfInnerImport, &innerCode);
+            emit sortedFSElements();
+        }
+        if (innerCode)
+            throw int(*innerCode);
         return;
     }
     emit unitSettingsRead_hex(true);

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class ProfileName;
 class ProfileSettings;
@@ -52,7 +53,8 @@ public:
 
     /// Replaces the list by what the charger's page holds. Under a master schema it ends when the
     /// charger is known, with sortedFSElements(), and has to be called again under the charger's
-    /// own schema. Throws its code as int; the list is empty then.
+    /// own schema. Throws its code as int; the list is empty then. Called from a receiver of that
+    /// signal it throws nothing: the outer call does, when all receivers have run.
     void importFSElements();
 
     /// File dialogs begin in the folder of this file from now on.
@@ -75,6 +77,7 @@ signals:
 private:
     ProfileName *rowAt(int row) const;
     bool exportStructs(const QString &fileName, const QList<ProfileSettings *> &profiles);
+    void importCharger();
     QList<ImportProfiles::ParsedFSElement *> readCharger() const;
     bool isOfThisCharger(const ImportProfiles::ParsedFSElement *element) const;
     void showStatus(const QString &text);
@@ -90,6 +93,8 @@ private:
     int numProfilesAllowed;
     /// Owns the records that importProfiles refers to.
     std::unique_ptr<QObject> importedRecords;
+    /// Where an import that runs within another one leaves its code; null without another one.
+    std::optional<int> *codeOfInnerImport = nullptr;
 };
 
 } // namespace HEXGeneratorParser

@@ -140,6 +140,8 @@ private slots:
     void masterImportEndsBeforeProfiles();
     void strictImportFillsTheList();
     void importThroughBothSchemas();
+    void innerFailureComesOutBehindAllReceivers_data();
+    void innerFailureComesOutBehindAllReceivers();
     void importCodes_data();
     void importCodes();
     void failedImportKeepsNothing();
@@ -494,6 +496,56 @@ void HEXManagerTest::importThroughBothSchemas()
     directory->write(q("fs_to_read.hex"), chargerPage().addRaw(n(2, 1)).toHex());
     QCOMPARE(importCode(), 4);
     QCOMPARE(list->count(), 0);
+}
+
+void HEXManagerTest::innerFailureComesOutBehindAllReceivers_data()
+{
+    QTest::addColumn<FlashPage>("page");
+    QTest::addColumn<FlashPage>("reread");
+    QTest::addColumn<int>("code");
+    // Version 1 leads to a schema that has no hardware element: the second round finds its type
+    // unknown.
+    QTest::newRow("type that only the master schema knows")
+        << chargerPage(1) << chargerPage(1) << 2;
+    QTest::newRow("damaged between the rounds")
+        << chargerPage() << FlashPage().addRaw(n(3, 1) + n(1, 2)) << 1;
+    QTest::newRow("blank between the rounds") << chargerPage() << FlashPage() << 3;
+    QTest::newRow("outdated between the rounds")
+        << chargerPage() << FlashPage().addRaw(n(0, 1)) << 4;
+    QTest::newRow("good") << chargerPage() << chargerPage() << -1;
+}
+
+void HEXManagerTest::innerFailureComesOutBehindAllReceivers()
+{
+    QFETCH(FlashPage, page);
+    QFETCH(FlashPage, reread);
+    QFETCH(int, code);
+    QStringList order;
+    const auto note = [&order](const char *text) { return [&order, text] { order << q(text); }; };
+    connect(manager.get(), &HEXManager::sortedFSElements, this,
+            [&] { directory->write(q("fs_to_read.hex"), reread.toHex()); });
+    connect(manager.get(), &HEXManager::sortedFSElements, generator.get(),
+            &HParser::Generator::chooseNewSSFile);
+    connect(generator.get(), &HParser::Generator::strictSSFileLoaded, manager.get(),
+            &HEXManager::importFSElements);
+    // No exception has passed through an emission whose later receivers have run.
+    connect(generator.get(), &HParser::Generator::strictSSFileLoaded, this, note("strict"));
+    connect(manager.get(), &HEXManager::sortedFSElements, this, note("sorted"));
+
+    directory->write(q("fs_to_read.hex"), page.toHex());
+    QCOMPARE(importCode(), code);
+    QCOMPARE(order, (QStringList{q("strict"), q("sorted")}));
+    QCOMPARE(list->count(), code < 0 ? 2 : 0);
+
+    // What failed within the former import does not stay behind.
+    order.clear();
+    generator->loadMasterSSFile();
+    directory->write(q("fs_to_read.hex"), FlashPage().addRaw(n(2, 1)).toHex());
+    QCOMPARE(importCode(), 4);
+    QVERIFY(order.isEmpty());
+    QFile::remove(q("fs_to_read.hex"));
+    generator->parseSSFile(REV7_48V_SS_FILE_NAME);
+    QCOMPARE(importCode(), 0);
 }
 
 void HEXManagerTest::importCodes_data()
