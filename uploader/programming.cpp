@@ -175,7 +175,7 @@ End load(const std::string &file, const bootloader_t &bldr, Image *image)
 
     image->hasEeprom = eepromSeen != 0;
     image->flashTop = top;
-    if (wordAddressOf(top, bldr) > bldr.flashEnd)
+    if (top > byteIndexOf(bldr.flashEnd, bldr))
         std::printf("\nHex file defines memory unreachable (0x%08x). Truncating at address 0x%08x",
                     flashAddress(top, bldr), bldr.flashEnd);
     image->flashTop = std::min(top, flashEndIndex(bldr));
