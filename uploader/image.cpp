@@ -10,18 +10,25 @@ using namespace IntelHexFile;
 
 namespace
 {
+/// Bytes of a line of text.
+constexpr std::uint32_t line = 16;
+
+/// A row, behind which a line may begin.
+std::uint32_t spareFlash(const bootloader_t &bldr)
+{
+    return std::max(bldr.rowSize, bldr.verifyRowSize) + line;
+}
+
 /// A row, or a line of text where that is longer.
 std::uint32_t spareEeprom(const bootloader_t &bldr)
 {
-    constexpr std::uint32_t line = 16;
     return hasEeprom(bldr) ? std::max({bldr.eepromRowSize, bldr.eepromVerifyRowSize, line}) : line;
 }
 
 } // namespace
 
 Image::Image(const bootloader_t &bldr)
-    : flash(flashImageSize + std::max(bldr.rowSize, bldr.verifyRowSize)),
-      eeprom(eepromImageSize + spareEeprom(bldr))
+    : flash(flashImageSize + spareFlash(bldr)), eeprom(eepromImageSize + spareEeprom(bldr))
 {
     fillhexbuffer(flash.data(), static_cast<std::uint32_t>(flash.size()), bldr.flashFiller,
                   bldr.flashFillerSize);

@@ -77,10 +77,13 @@ bool save(std::FILE *file, ByteRange flash, ByteRange eeprom, const Image &image
           const bootloader_t &bldr)
 {
     int result = 0;
-    if (!flash.isEmpty())
-        result |= makenewhexfile(image.flash.data(), static_cast<std::uint32_t>(flash.to), file,
-                                 bldr.flashFiller, bldr.flashFillerSize, bldr.rowSize,
-                                 bldr.verifyRowSize, 0);
+    if (!flash.isEmpty()) {
+        // Whole rows, since the lines of the last one may reach behind it.
+        const std::uint64_t rows = (flash.to + bldr.rowSize - 1) / bldr.rowSize;
+        result |= makenewhexfile(
+            image.flash.data(), static_cast<std::uint32_t>(rows * bldr.rowSize), file,
+            bldr.flashFiller, bldr.flashFillerSize, bldr.rowSize, bldr.verifyRowSize, 0);
+    }
     if (!eeprom.isEmpty()) {
         // Rows of an EEPROM may be shorter than a line of text, which reads 16 bytes always.
         const std::uint64_t lines = (eeprom.to + lineBytes - 1) / lineBytes;

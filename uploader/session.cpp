@@ -15,6 +15,8 @@ using namespace IntelHexFile;
 const char *const deviceTable = "device.txt";
 constexpr std::uint32_t versionBaud = 9600;
 constexpr std::uint32_t longestFiller = sizeof bootloader_t::flashFiller;
+/// A row that is saved takes at least one line of text.
+constexpr std::uint32_t bytesPerLine = 16;
 
 /// What makes a record useless that reads well; a null pointer when nothing does. Beyond this point
 /// every row fits an image and every loop over one comes to its end.
@@ -28,6 +30,8 @@ const char *complaintAbout(const bootloader_t &bldr)
         return "Flash Row size cannot exceed the image!";
     if (bldr.flashFillerSize > longestFiller)
         return "Flash Filler byte size cannot exceed 4!";
+    if (bldr.rowSize < bytesPerLine)
+        return "Flash Row size cannot be below 16!";
     if (bldr.flashEnd < bldr.bootloaderEnd)
         return "Flash end address cannot lie inside the bootloader!";
     if (bldr.eepromMaxSize == 0)

@@ -16,8 +16,11 @@ QByteArray hex(const char *text)
     return QByteArray::fromHex(text);
 }
 
-/// Fields of the charger's record, with changes by their place in the line.
-QByteArray deviceTable(const std::map<int, QByteArray> &changes = {})
+/// Changes to the charger's record, by their place in the line.
+using Record = std::map<int, QByteArray>;
+
+/// The fields of the charger's record.
+QByteArray deviceTable(const Record &changes = {})
 {
     QList<QByteArray> fields{"v0106:",     "38400",  "Charger64", "0xA000", "0x015000", "0x00",
                              "0x0C00",     "0x0800", "0x0100",    "0x04",   "0x02",     "0x10",
@@ -29,7 +32,7 @@ QByteArray deviceTable(const std::map<int, QByteArray> &changes = {})
 }
 
 /// A device with 16 bytes of EEPROM at 0x20000 of the image, in rows of two words of two bytes.
-std::map<int, QByteArray> eepromFields()
+Record eepromFields()
 {
     return {{14, "0x020000"}, {15, "0x020100"}, {16, "0x02"}, {17, "0x01"}, {18, "0x04"},
             {19, "0x02"},     {20, "0xFFFF"},   {21, "0x02"}, {22, "0x10"}};
@@ -89,6 +92,8 @@ private:
 
 } // namespace
 
+Q_DECLARE_METATYPE(Record)
+
 class VexaTest : public QObject
 {
     Q_OBJECT
@@ -115,11 +120,14 @@ private slots:
     void inputFiles();
     void writesAndVerifies();
     void firmwareIsWrittenInChunks();
+    void cutsAtTheEndOfFlash_data();
     void cutsAtTheEndOfFlash();
     void writesARange();
     void reads_data();
     void reads();
     void readsWhatItWrote();
+    void savesRowsOfAnySize_data();
+    void savesRowsOfAnySize();
     void outputFileCannotBeOpened();
     void readFails();
     void verifyFails();
@@ -282,6 +290,8 @@ void VexaTest::uselessRecords_data()
         << 8 << QByteArray("many") << QByteArray("Flash Row size cannot exceed the image!");
     QTest::newRow("filler longer than its value")
         << 13 << QByteArray("5") << QByteArray("Flash Filler byte size cannot exceed 4!");
+    QTest::newRow("row shorter than a line")
+        << 8 << QByteArray("0x0F") << QByteArray("Flash Row size cannot be below 16!");
     QTest::newRow("flash ends below the bootloader")
         << 3 << QByteArray("0x0800")
         << QByteArray("Flash end address cannot lie inside the bootloader!");
@@ -422,14 +432,24 @@ void VexaTest::firmwareIsWrittenInChunks()
     QVERIFY(chunks.size() > written + 1);
 }
 
+void VexaTest::cutsAtTheEndOfFlash_data()
+{
+    QTest::addColumn<QByteArray>("record");
+    QTest::addColumn<QByteArray>("top");
+    QTest::newRow("a word above") << QByteArray(":04380000FD000300C4") << QByteArray("00009c02");
+    QTest::newRow("a byte above") << QByteArray(":01380000FDCA") << QByteArray("00009c00");
+}
+
 void VexaTest::cutsAtTheEndOfFlash()
 {
+    QFETCH(QByteArray, record);
+    QFETCH(QByteArray, top);
     folder->write(QStringLiteral("device.txt"), deviceTable({{3, "0x9C00"}}));
-    folder->write(QStringLiteral("in.hex"), ":020000040001F9\n:04380000FD000300C4\n:00000001FF\n");
+    folder->write(QStringLiteral("in.hex"), ":020000040001F9\n" + record + "\n:00000001FF\n");
     const Run run = onCharger({"-w", "in.hex"});
     QVERIFY2(run.printed.startsWith(versionLine + loadedTexts +
-                                    "\nHex file defines memory unreachable (0x00009c02). "
-                                    "Truncating at address 0x00009c00"
+                                    "\nHex file defines memory unreachable (0x" + top +
+                                    "). Truncating at address 0x00009c00"
                                     "\nNow writing from c00 to 9c00 word address\n"),
              run.printed.constData());
     QVERIFY(run.printed.endsWith("Upload Progress 100%\nFlash Write success!"));
@@ -508,6 +528,40 @@ void VexaTest::readsWhatItWrote()
     QVERIFY(text.contains("\n:101900005566770088998800FFFFFF00FFFFFF00"));
     QVERIFY(text.endsWith("\n:00000001FF"));
     QCOMPARE(text.count('\n'), 1 + 32);
+}
+
+void VexaTest::savesRowsOfAnySize_data()
+{
+    QTest::addColumn<Record>("record");
+    QTest::addColumn<char>("byte");
+    QTest::addColumn<int>("lines");
+    // Columns 8 and 11 hold row and verify row, 12 and 13 the filler.
+    QTest::newRow("the shortest row") << Record{{8, "0x10"}} << '\x11' << 1;
+    QTest::newRow("a line begins in the row and ends behind it")
+        << Record{{8, "0x20"}, {11, "0x18"}} << '\x11' << 2;
+    QTest::newRow("lines closer than their length") << Record{{11, "0x08"}} << '\x11' << 32;
+    QTest::newRow("a filler ends behind the row")
+        << Record{{8, "0x20"}, {12, "0xFFFFFF"}, {13, "0x03"}} << '\xFF' << 0;
+}
+
+void VexaTest::savesRowsOfAnySize()
+{
+    QFETCH(Record, record);
+    QFETCH(char, byte);
+    QFETCH(int, lines);
+    charger = std::make_unique<LinePeer>(LinePeer::Echo::On, [byte](const QByteArray &payload) {
+        return LinePeer::framed(payload.at(0) == 0 ? hex("000200000106")
+                                                   : payload + QByteArray(payload.at(1) * 4, byte));
+    });
+    folder->write(QStringLiteral("device.txt"), deviceTable(record));
+    // The range ends two bytes behind the beginning of its one row, at byte 0x1900.
+    const Run run = onCharger({"-l", "0x0C80", "0x0C81", "out.hex"});
+    QCOMPARE(run.printed, versionLine + "\nReading from word address c80 to c81"
+                                        "hex file write success!");
+    QCOMPARE(run.status, 0);
+    const QByteArray text = folder->read(QStringLiteral("out.hex"));
+    QVERIFY(lines == 0 || text.contains("\n:10190000" + QByteArray(32, '1')));
+    QCOMPARE(text.count("\n:10"), lines);
 }
 
 void VexaTest::outputFileCannotBeOpened()
