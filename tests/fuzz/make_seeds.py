@@ -88,21 +88,23 @@ def page_imports():
     def seed(name, flags, stream):
         put("pageimport", name, bytes([flags]) + stream)
 
-    checksums, blank_end = 1, 2
     for name in ("24v", "48v", "48v-v1", "72v"):
         page = stream_of(HERE.parent.parent / "simulator" / "pages" / (name + ".hex"))
-        seed("page-" + name, checksums | blank_end, page)
-        seed("page-" + name + "-without-end", checksums, page)
+        seed("page-" + name, RIGHT_CHECKSUMS, page)
+        seed("page-" + name + "-as-it-is", 0, page)
     counter, lithium_head = element(3, 7), bytes([8, 255, 0, 5])
     lithium = lithium_head + b"36V Li(10s)\0" + b"Fast".ljust(14, b"\0")
     numbers = struct.pack("<6H", 2100, 200, 2940, 7900, 4200, 150)
     for hardware in range(8):
-        seed("hardware-%d" % hardware, checksums | blank_end,
+        seed("hardware-%d" % hardware, RIGHT_CHECKSUMS,
              counter + element(4, 2) + element(16, hardware) + element(lithium, numbers))
-    seed("first-generation", checksums | blank_end, counter + element(4, 1) + element(lithium, numbers))
-    seed("counter-alone", checksums | blank_end, counter)
-    seed("no-counter", checksums | blank_end, element(4, 2))
-    seed("characters-beyond-ascii", checksums | blank_end,
+    seed("first-generation", RIGHT_CHECKSUMS,
+         counter + element(4, 1) + element(lithium, numbers))
+    seed("full-page", RIGHT_CHECKSUMS, counter * 512)
+    seed("full-rows", RIGHT_CHECKSUMS, counter * 64)
+    seed("counter-alone", RIGHT_CHECKSUMS, counter)
+    seed("no-counter", RIGHT_CHECKSUMS, element(4, 2))
+    seed("characters-beyond-ascii", RIGHT_CHECKSUMS,
          counter + element(4, 2) + element(16, 1)
          + element(lithium_head, b"\xB0" * 12, b"\xFF" * 14, numbers))
 

@@ -38,7 +38,7 @@ namespace
 {
 constexpr int pageWordAddress = 0x9C00;
 
-enum Flag : std::uint8_t { RightChecksums = 1, BlankEnd = 2 };
+enum Flag : std::uint8_t { RightChecksums = 1 };
 
 const QStringList schemaFiles = {MASTER_SS_FILE_NAME, REV6_48V_SS_FILE_NAME, REV7_48V_SS_FILE_NAME,
                                  REV7_24V_SS_FILE_NAME, REV7_72V_SS_FILE_NAME};
@@ -116,18 +116,25 @@ private:
     }
 };
 
-void writePage(const QByteArray &stream)
+/// A page in stream order with these data bytes, blank behind them as a charger's page is.
+QByteArray wholePage(const std::vector<std::uint8_t> &dataBytes)
 {
-    FlashPage page;
-    QByteArray dataBytes;
-    for (int i = 0; i < stream.size(); ++i) {
-        if (i % 4 != 3)
-            dataBytes.append(stream.at(i));
+    QByteArray stream;
+    for (std::size_t i = 0; stream.size() < HexUtility::pageSize; ++i) {
+        stream.append(i < dataBytes.size() ? static_cast<char>(dataBytes[i]) : '\xFF');
+        if (i % 3 == 2)
+            stream.append('\0');
     }
-    page.addRaw(dataBytes);
+    return stream;
+}
+
+void writePage(QByteArray stream)
+{
+    for (int word = 0; word < stream.size(); word += 4)
+        std::swap(stream.data()[word], stream.data()[word + 2]);
     QFile file(DOWNLOADED_PROFILES_FILE_NAME);
     fuzz::require(file.open(QIODevice::WriteOnly), "a file can be written");
-    file.write(page.toHex());
+    file.write(FlashPage::toHex(stream, pageWordAddress));
 }
 
 /// A charger must never get a number that its schema rules out.
@@ -236,16 +243,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     fuzz::Input input(data, size);
     const unsigned flags = input.byte();
     const std::vector<std::uint8_t> rest = input.rest();
-    QByteArray stream;
-    for (std::size_t i = 0; i < rest.size() && stream.size() < 2044; ++i) {
-        stream.append(static_cast<char>(rest[i]));
-        if (i % 3 == 2)
-            stream.append('\0');
-    }
-    while (stream.size() % 4 != 0)
-        stream.append(stream.size() % 4 == 3 ? '\0' : '\xFF');
-    if (flags & BlankEnd)
-        stream.append("\xFF\xFF\xFF\0", 4);
+    const QByteArray stream = wholePage(rest);
 
     Import import;
     PageLog log(stream);
