@@ -37,6 +37,8 @@ public:
     /// Ends all faults of the charger and plugs its cable in.
     void mend();
     void open();
+    /// Takes the window away, as the end of the program does.
+    void closeWindow() { window.reset(); }
     /// Puts a script in the place of the uploader, which it finds as "./uploader.bin".
     static void replaceUploader(const QByteArray &shell);
     static void bringUploaderBack();
