@@ -42,8 +42,9 @@ void PaneLayout::place(const QSize &window)
         growDown(page, moved.height());
     }
     moveDown(ui->saveChangesButton, moved.height());
-    ui->saveChangesButton->move(centre - 8 - ui->saveChangesButton->width(),
-                                ui->saveChangesButton->y());
+    QRect save = ui->saveChangesButton->geometry();
+    save.moveRight(centre - 8);
+    ui->saveChangesButton->setGeometry(save);
     placeCancelButton(centre);
     moveDown(ui->resetDefaults, moved.height());
     ui->resetDefaults->move(ui->cancelChangesButton->x() + ui->saveChangesButton->width() -

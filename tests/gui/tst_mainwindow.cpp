@@ -20,6 +20,7 @@
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolBar>
@@ -41,10 +42,15 @@ private slots:
     void menusHoldTheirEntriesInOrder();
     void textsOfTheForm_data();
     void textsOfTheForm();
+    void actionsStandInOrder();
+    void widgetsStandInOrder();
     void toolTipsOfTheForm_data();
     void toolTipsOfTheForm();
     void namesAreAsLongAsTheChargerHoldsThem();
+    void buttonsHaveTheirPictures();
     void toolBarFillsInOrder();
+    void toolBarHasItsPictures_data();
+    void toolBarHasItsPictures();
     void startsDisconnected();
     void connectedTurnsTheToolBar();
     void lampLightsWhereConnectIsDisabled();
@@ -63,6 +69,7 @@ private slots:
     void windowUsesTheAnchors();
     void deleteAllAsksOnlyWithRows();
     void helpAndAboutShowTheirBoxes();
+    void reloadedBundleBringsTheMasterBack();
     void unpackedFilesStandInTheWorkingDirectory();
     void degreeSignsSurviveTheBundle();
     void whatIsNotThereYetIsOutOfReach();
@@ -208,6 +215,69 @@ void MainWindowTest::textsOfTheForm()
     QCOMPARE(button->isCheckable(), checkable);
 }
 
+void MainWindowTest::actionsStandInOrder()
+{
+    QStringList found;
+    for (const QAction *entry :
+         window->findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly))
+        found.append(entry->objectName() + ": " + entry->text());
+    QCOMPARE(found,
+             QStringList({"actionHelp: Help...",
+                          "actionAbout: About...",
+                          "actionExit: Exit",
+                          "actionExportXMLProfiles: Save Profiles to File...",
+                          "actionImportXML: Load Profiles from File...",
+                          "actionExportHEX: Export as HEX...",
+                          "actionImportHEX: Import from HEX...",
+                          "actionEditGlobalSettings: Edit Device Settings",
+                          "actionWriteProfiles: Save Data to Velantor...",
+                          "actionReadProfiles: Read Data from Velantor",
+                          "actionFlashFirmware: Update Velantor Firmware...",
+                          "actionDeleteAllProfiles: Delete all Profiles...",
+                          "actionHelp_2: Getting Started...",
+                          "actionNew_firmware_tool: new firmware tool",
+                          "actionCheckNewFirmware: Check for new Firmware...",
+                          "actionAboutDevice: View Device Stats...",
+                          "actionConnectToVel: Connect to Velantor...",
+                          "actionDisconnectAndRestart: Disconnect and Reset Velantor",
+                          "actionExportXMLProfilesAndSettings: Save Profiles and Device Settings "
+                          "to File...",
+                          "actionCheckNewSoftware: Check for new Software...",
+                          "actionEditAutoUpdates: Edit Auto Updates...",
+                          "actionChangeAutoUpdates: Change Auto Update..."}));
+}
+
+void MainWindowTest::widgetsStandInOrder()
+{
+    QStringList found;
+    for (const QWidget *widget :
+         window->centralWidget()->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
+        found.append(widget->objectName() + ": " + widget->metaObject()->className());
+    QCOMPARE(found, QStringList({"profileNamesList: QListWidget",
+                                 "addProfileButton: QPushButton",
+                                 "profileNameUpButton: QPushButton",
+                                 "profileNameDownButton: QPushButton",
+                                 "settingsList: QFrame",
+                                 "editProfileButton: QPushButton",
+                                 "saveChangesButton: QPushButton",
+                                 "cancelChangesButton: QPushButton",
+                                 "containerScroll: QScrollArea",
+                                 "viewDeviceSettings: QPushButton",
+                                 "profileActiveButton: QCheckBox",
+                                 "profileDefaultButton: QCheckBox",
+                                 "profileModifiableButton: QCheckBox",
+                                 "profileSettingsName: QLineEdit",
+                                 "profileSettingsDescription: QLineEdit",
+                                 "unitSettingsDisplay: QScrollArea",
+                                 "unitSettingsTitle: QLabel",
+                                 "resetDefaults: QPushButton",
+                                 "openProfilesXML: QPushButton",
+                                 "saveProfilesXML: QPushButton",
+                                 "deleteAllProfiles: QPushButton"}));
+    QCOMPARE(window->findChild<QLabel *>("unitSettingsTitle")->text(),
+             QStringLiteral("Device Settings"));
+}
+
 void MainWindowTest::toolTipsOfTheForm_data()
 {
     QTest::addColumn<QString>("name");
@@ -254,6 +324,44 @@ void MainWindowTest::namesAreAsLongAsTheChargerHoldsThem()
     QCOMPARE(window->findChild<QLineEdit *>("profileSettingsDescription")->maxLength(), 13);
 }
 
+void MainWindowTest::buttonsHaveTheirPictures()
+{
+    const auto shown = [this](const char *name) {
+        return window->findChild<QPushButton *>(name)->icon().pixmap(16, 16).toImage();
+    };
+    const auto standard = [this](QStyle::StandardPixmap picture) {
+        return window->style()->standardIcon(picture).pixmap(16, 16).toImage();
+    };
+    const QIcon newFile(QStringLiteral(":/new/images/new_file.ico"));
+    QVERIFY(!newFile.pixmap(16, 16).isNull());
+    QCOMPARE(shown("addProfileButton"), newFile.pixmap(16, 16).toImage());
+    QCOMPARE(shown("openProfilesXML"), standard(QStyle::SP_DialogOpenButton));
+    QCOMPARE(shown("saveProfilesXML"), standard(QStyle::SP_DialogSaveButton));
+    QCOMPARE(shown("deleteAllProfiles"), standard(QStyle::SP_DialogDiscardButton));
+}
+
+void MainWindowTest::toolBarHasItsPictures_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("picture");
+    QTest::newRow("disconnect") << "disconnectAction"
+                                << ":/new/images/redLEDon.png";
+    QTest::newRow("read") << "readDataAction"
+                          << ":/new/images/download.png";
+    QTest::newRow("save") << "saveDataAction"
+                          << ":/new/images/upload.png";
+}
+
+void MainWindowTest::toolBarHasItsPictures()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, picture);
+    const QPixmap expected(picture);
+    QVERIFY(!expected.isNull());
+    QCOMPARE(window->findChild<QAction *>(name)->icon().pixmap(expected.size()).toImage(),
+             expected.toImage());
+}
+
 void MainWindowTest::toolBarFillsInOrder()
 {
     auto *bar = window->findChild<QToolBar *>("mainToolBar");
@@ -268,9 +376,14 @@ void MainWindowTest::toolBarFillsInOrder()
     QCOMPARE(texts, QStringList({"Connect", "Disconnect", "Read Data", "Save Data"}));
     QCOMPARE(tips, QStringList({"Connect to Velantor", "Disconnect and Restart Velantor",
                                 "Read Data from Velantor", "Save Data to Velantor"}));
+    const QSizePolicy middle = bar->widgetForAction(entries.at(4))->sizePolicy();
+    QCOMPARE(middle.horizontalPolicy(), QSizePolicy::Expanding);
+    QCOMPARE(middle.verticalPolicy(), QSizePolicy::Expanding);
+    QCOMPARE(bar->widgetForAction(entries.at(entries.size() - 2))->width(), 15);
     auto *logo = qobject_cast<QLabel *>(bar->widgetForAction(entries.last()));
     QVERIFY(logo);
-    QVERIFY(!logo->pixmap(Qt::ReturnByValue).isNull());
+    QCOMPARE(logo->pixmap(Qt::ReturnByValue).toImage(),
+             QPixmap(QStringLiteral(":/new/images/tolk_logo.png")).toImage());
     QCOMPARE(bar->iconSize(), QSize(20, 20));
     QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
     QCOMPARE(bar->styleSheet(), QStringLiteral("QToolButton:disabled {   color: black;}"));
@@ -456,8 +569,13 @@ void MainWindowTest::toolbarAndMenuDisableTogether()
 void MainWindowTest::resizingEndsAtTheSameSize()
 {
     window->resize(900, 600);
+    // What stands at a wrong place comes back to the right one, though the size is the same.
+    auto *button = window->findChild<QWidget *>("viewDeviceSettings");
+    QTRY_COMPARE(button->y(), 600 - 97);
+    button->move(button->x(), 0);
     window->resizeMainWindow();
     QCOMPARE(window->size(), QSize(900, 600));
+    QTRY_COMPARE(button->y(), 600 - 97);
 }
 
 void MainWindowTest::windowUsesTheAnchors()
@@ -485,6 +603,19 @@ void MainWindowTest::helpAndAboutShowTheirBoxes()
     QCOMPARE(answers.titles(), QStringList({"Basic Usage", "About Velantor Software Suite"}));
     QVERIFY(answers.seen().at(1).text.contains("Build: v1.105 - RELEASE - "));
     QVERIFY(answers.seen().at(1).text.contains("Velantor Bundle Version: v1.039"));
+}
+
+void MainWindowTest::reloadedBundleBringsTheMasterBack()
+{
+    generator()->parseSSFile(REV7_24V_SS_FILE_NAME);
+    QVERIFY(!generator()->isMaster());
+    QVERIFY(QFile::remove(REV7_72V_SS_FILE_NAME));
+    QSignalSpy loaded(generator(), &HParser::Generator::masterSSFileLoaded);
+    window->reloadBundle();
+    QVERIFY(generator()->isMaster());
+    QCOMPARE(generator()->getHFileLocation(), MASTER_SS_FILE_NAME);
+    QVERIFY(QFile::exists(REV7_72V_SS_FILE_NAME)); // the bundle was unpacked
+    QCOMPARE(loaded.count(), 0);
 }
 
 void MainWindowTest::unpackedFilesStandInTheWorkingDirectory()
@@ -519,6 +650,15 @@ void MainWindowTest::whatIsNotThereYetIsOutOfReach()
           "actionEditGlobalSettings", "actionFlashFirmware", "actionCheckNewFirmware",
           "actionCheckNewSoftware", "actionChangeAutoUpdates", "actionAboutDevice"})
         QVERIFY2(!action(name)->isEnabled(), name);
+    for (const char *name :
+         {"addProfileButton", "openProfilesXML", "saveProfilesXML", "viewDeviceSettings"})
+        QVERIFY2(!window->findChild<QWidget *>(name)->isEnabled(), name);
+    for (const char *name :
+         {"profileSettingsName", "profileSettingsDescription", "editProfileButton",
+          "profileActiveButton", "profileDefaultButton", "profileModifiableButton",
+          "containerScroll", "cancelChangesButton", "saveChangesButton", "unitSettingsDisplay",
+          "unitSettingsTitle", "resetDefaults"})
+        QVERIFY2(!window->findChild<QWidget *>(name)->isVisible(), name);
 }
 
 QTEST_MAIN(MainWindowTest)

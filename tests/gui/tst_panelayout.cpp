@@ -57,6 +57,9 @@ void PaneLayoutTest::anchorsHold()
     const int unitsFromBottom = fromBottom(ui.unitSettingsDisplay);
     const int saveFromBottom = fromBottom(ui.saveChangesButton);
     const QSize deviceButton = ui.viewDeviceSettings->size();
+    const int saveWidth = ui.saveChangesButton->width();
+    const QRect cancel = ui.cancelChangesButton->geometry();
+    const int resetFromBottom = fromBottom(ui.resetDefaults);
     const int listTop = ui.profileNamesList->y();
     const int paneLeft = ui.settingsList->x();
 
@@ -77,20 +80,26 @@ void PaneLayoutTest::anchorsHold()
     QCOMPARE(pane.bottom(), 3 + h - 70);
     QCOMPARE(pane.right() - ui.editProfileButton->x(), editFromRight);
 
-    const double centre = (pane.left() + pane.right()) / 2.0;
+    // Half pixels go to the left or to the right.
     const auto middle = [](const QWidget *widget) {
         return (widget->geometry().left() + widget->geometry().right()) / 2.0;
     };
+    const double centre = middle(ui.settingsList);
     for (QWidget *widget : {ui.profileSettingsName, ui.profileSettingsDescription})
-        QVERIFY(qAbs(middle(widget) - (centre - 15)) <= 1);
+        QVERIFY(qAbs(middle(widget) - (centre - 15)) < 1);
     for (QWidget *widget : {ui.containerScroll, ui.unitSettingsDisplay})
-        QVERIFY(qAbs(middle(widget) - centre) <= 1);
+        QVERIFY(qAbs(middle(widget) - centre) < 1);
     QCOMPARE(fromBottom(ui.containerScroll), scrollFromBottom);
     QCOMPARE(fromBottom(ui.unitSettingsDisplay), unitsFromBottom);
     QCOMPARE(fromBottom(ui.saveChangesButton), saveFromBottom);
-    QVERIFY(qAbs(centre - ui.saveChangesButton->geometry().right() - 8) <= 1);
+    QVERIFY(qAbs(centre - ui.saveChangesButton->geometry().right() - 8) <= 0.5);
+    QCOMPARE(ui.saveChangesButton->width(), saveWidth);
     QCOMPARE(ui.cancelChangesButton->y(), pane.top() + 4);
     QCOMPARE(ui.cancelChangesButton->height(), ui.profileActiveButton->height());
+    QCOMPARE(ui.cancelChangesButton->geometry().left(), cancel.left());
+    QCOMPARE(ui.cancelChangesButton->geometry().right(), cancel.right());
+    QCOMPARE(fromBottom(ui.resetDefaults), resetFromBottom);
+    QCOMPARE(ui.resetDefaults->x(), cancel.left() + saveWidth - ui.resetDefaults->width());
 }
 
 void PaneLayoutTest::anchorsDoNotDrift()
@@ -118,7 +127,7 @@ void PaneLayoutTest::cancelStandsBesideSaveInTheDeviceSettings()
     const QRect cancel = ui.cancelChangesButton->geometry();
     QCOMPARE(cancel.y(), save.y());
     QCOMPARE(cancel.width(), save.width());
-    QCOMPARE(cancel.left() - save.right(), 15 + 1);
+    QCOMPARE(cancel.left() - save.right(), 8 + 7);
     QCOMPARE(ui.resetDefaults->geometry().right(), cancel.right());
 
     ui.editProfileButton->show();

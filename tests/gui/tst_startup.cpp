@@ -97,33 +97,41 @@ void StartupTest::oldFilesWithoutABundleStart()
 
 void StartupTest::whatIsMissingEndsTheStart_data()
 {
-    QTest::addColumn<QString>("missing");
+    QTest::addColumn<QStringList>("missing");
     QTest::addColumn<QString>("text");
-    QTest::newRow("schema") << MASTER_SS_FILE_NAME
-                            << "The file \"master.ss\" could not be found.\n\nPlease try "
-                               "reinstalling the program. If that doesn't work the \".velantor\" "
-                               "bundle might be corrupted, try looking for a more recent version "
-                               "of software.";
-    QTest::newRow("uploader") << VEXA_FILE_NAME
-                              << "The executable vexa.bin could not be found. Please try "
-                                 "reinstalling the program.";
-    QTest::newRow("device table") << FILE_FOR_VEXA_NAME
-                                  << "The file device.txt could not be found. Please try "
-                                     "reinstalling the program.If that doesn't work the .velantor "
-                                     "bundle might be corrupted, please find a new one.";
+    const QString schema =
+        "The file \"master.ss\" could not be found.\n\nPlease try reinstalling the program. If "
+        "that "
+        "doesn't work the \".velantor\" bundle might be corrupted, try looking for a more recent "
+        "version of software.";
+    const QString uploader = "The executable vexa.bin could not be found. Please try "
+                             "reinstalling the program.";
+    const QString table = "The file device.txt could not be found. Please try reinstalling the "
+                          "program.If that doesn't work the .velantor bundle might be corrupted, "
+                          "please find a new one.";
+    QTest::newRow("schema") << QStringList{MASTER_SS_FILE_NAME} << schema;
+    QTest::newRow("uploader") << QStringList{VEXA_FILE_NAME} << uploader;
+    QTest::newRow("device table") << QStringList{FILE_FOR_VEXA_NAME} << table;
+    // Only the first of them is told.
+    QTest::newRow("all") << QStringList{MASTER_SS_FILE_NAME, VEXA_FILE_NAME, FILE_FOR_VEXA_NAME}
+                         << schema;
+    QTest::newRow("uploader and device table")
+        << QStringList{VEXA_FILE_NAME, FILE_FOR_VEXA_NAME} << uploader;
 }
 
 void StartupTest::whatIsMissingEndsTheStart()
 {
-    QFETCH(QString, missing);
+    QFETCH(QStringList, missing);
     QFETCH(QString, text);
     WorkingDirectory home;
     leaveOldFiles(home);
-    QVERIFY(QFile::remove(QStringLiteral("data/tst_startup/") + missing));
+    for (const QString &name : missing)
+        QVERIFY(QFile::remove(QStringLiteral("data/tst_startup/") + name));
     const Outcome outcome = start(home);
     QCOMPARE(outcome.exitCode, 1);
     QVERIFY(outcome.output.contains(QStringLiteral("BOX Installation Error | ") + text +
                                     QLatin1Char('\n')));
+    QCOMPARE(outcome.output.count(QStringLiteral("Installation Error")), 1);
     QVERIFY(!outcome.output.contains(QStringLiteral("STARTED")));
 }
 
