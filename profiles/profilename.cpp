@@ -6,8 +6,10 @@
 #include "profiles/profilesettings.h"
 #include "ui_profilename.h"
 
+#include <QHelpEvent>
 #include <QIcon>
 #include <QPalette>
+#include <QToolTip>
 
 #include <utility>
 
@@ -61,8 +63,10 @@ ProfileName::ProfileName(ProfileNameListWidget *item, QWidget *parent)
     showActive(false);
     showDefault(false);
     for (QPushButton *button :
-         {ui->activeProfileButton, ui->defaultProfileButton, ui->deleteProfileButton})
+         {ui->activeProfileButton, ui->defaultProfileButton, ui->deleteProfileButton}) {
         button->setCursor(Qt::PointingHandCursor);
+        button->installEventFilter(this);
+    }
     applyStyleSheet(ui->deleteProfileButton,
                     QStringLiteral("color: rgb(180,180,180); border:none;"));
     describe(ui->deleteProfileButton, tr("Delete Profile"));
@@ -278,4 +282,17 @@ void ProfileName::leaveEvent(QEvent *event)
     applyStyleSheet(ui->deleteProfileButton,
                     QStringLiteral("color: rgb(180,180,180); border:none;"));
     QWidget::leaveEvent(event);
+}
+
+bool ProfileName::eventFilter(QObject *button, QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::eventFilter(button, event);
+    // A tooltip takes the style sheet of the widget that it is shown for: of a button it would be
+    // pale grey and without a frame.
+    const auto *widget = static_cast<const QWidget *>(button);
+    const QRect area(widget->mapTo(window(), QPoint(0, 0)), widget->size());
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), widget->toolTip(), window(),
+                       area);
+    return true;
 }

@@ -93,6 +93,8 @@ public slots:
 protected:
     void enterEvent(QEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    /// Shows the tooltips of the buttons.
+    bool eventFilter(QObject *button, QEvent *event) override;
 
 private:
     void showActive(bool on);

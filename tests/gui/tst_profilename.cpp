@@ -6,11 +6,13 @@
 #include "profiles/profilesettings.h"
 
 #include <QEvent>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 #include <memory>
 
@@ -39,6 +41,8 @@ private slots:
     void highlights();
     void rowBackgroundIsPainted();
     void pointerChangesOnlyTheDeleteButton();
+    void toolTipsAreReadable_data();
+    void toolTipsAreReadable();
     void titleIsPlainText();
     void titleAndDescriptionFollow();
 
@@ -339,6 +343,45 @@ void ProfileNameTest::pointerChangesOnlyTheDeleteButton()
     QCoreApplication::sendEvent(row(), &leave);
     QCOMPARE(remove->styleSheet(), paleGrey);
     QCOMPARE(others(), before);
+}
+
+void ProfileNameTest::toolTipsAreReadable_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("lamp") << "activeProfileButton"
+                          << "Not Active";
+    QTest::newRow("default mark") << "defaultProfileButton"
+                                  << "Not Default";
+    QTest::newRow("delete control") << "deleteProfileButton"
+                                    << "Delete Profile";
+}
+
+void ProfileNameTest::toolTipsAreReadable()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, text);
+    auto *widget = child<QWidget>(qPrintable(button));
+    const QPoint middle(8, 8);
+    QHelpEvent help(QEvent::ToolTip, middle, widget->mapToGlobal(middle));
+    QCoreApplication::sendEvent(widget, &help);
+    QCOMPARE(QToolTip::text(), text);
+
+    const auto windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (!window->inherits("QTipLabel") || !window->isVisible())
+            continue;
+        const QImage shown = window->grab().toImage();
+        int darkest = 255;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x)
+                darkest = qMin(darkest, shown.pixelColor(x, y).value());
+        }
+        QVERIFY(darkest < 60);
+        QToolTip::hideText();
+        return;
+    }
+    QFAIL("there is no tooltip");
 }
 
 void ProfileNameTest::titleIsPlainText()
