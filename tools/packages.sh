@@ -30,3 +30,5 @@ build_packages=(g++ cmake ninja-build qtbase5-dev qtbase5-dev-tools libqt5serial
 window_packages=(fonts-liberation)
 # What plays and photographs the suite where nobody looks on.
 display_packages=("${window_packages[@]}" xvfb xdotool imagemagick)
+# What the pictures of the guide need beside it: a window manager gives the windows frames.
+picture_packages=(openbox)

@@ -18,6 +18,8 @@ import virtualdesk  # noqa: E402
 from virtualdesk import Desk, MainWindow, Stuck, ending_cleanly, flashpage  # noqa: E402
 
 GUIDE = ("start", "connect", "connected", "changed", "write", "other-charger", "failed")
+# A window that shows all rows, and not more emptiness than needed.
+COMPACT = (707, 480)
 
 
 class Album:
@@ -39,6 +41,8 @@ class Album:
 
 def play(desk, album):
     suite = MainWindow(desk)
+    album.take("new-window", suite.window)
+    suite.window.resize(*COMPACT)
     album.take("start", suite.window)
     look_at_menus(desk, album, suite)
 
@@ -113,11 +117,10 @@ def read(desk, album, suite, charger):
 
 
 def look_at_sizes(desk, album, suite):
-    before = suite.window.geometry()[2:]
-    for width, height in ((700, 350), (1200, 900)):
+    for width, height in ((700, 350), (1600, 1000)):
         suite.window.resize(width, height)
         album.take("window-%dx%d" % (width, height), suite.window)
-    suite.window.resize(before[0] // desk.scale, before[1] // desk.scale)
+    suite.window.resize(*COMPACT)
 
 
 def fail(desk, album, suite, charger):
@@ -183,7 +186,8 @@ def main(arguments):
     output.mkdir(parents=True, exist_ok=True)
     scale = int(arguments[3]) if len(arguments) == 4 else 1
     try:
-        with ending_cleanly(), Desk(arguments[1], scale, window_manager="openbox") as desk:
+        desk = Desk(arguments[1], scale, window_manager="openbox", size=(1680, 1050))
+        with ending_cleanly(), desk:
             try:
                 play(desk, Album(desk, output, wanted))
             except Stuck:
