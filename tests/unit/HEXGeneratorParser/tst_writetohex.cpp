@@ -473,8 +473,8 @@ void WriteToHEXTest::fullPage()
 
 void WriteToHEXTest::tooMuchForAPage()
 {
+    const WorkingDirectory directory; // here, for what dies leaves its folders behind
     const QByteArray words = assertionOf([this] {
-        const WorkingDirectory directory;
         const auto profile = element(generator, "Nickel");
         QList<StructSettings *> profiles;
         for (int i = 0; i < 30; ++i)
