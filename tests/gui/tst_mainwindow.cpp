@@ -1,9 +1,12 @@
+#include "ImportProfiles/importprofilesmain.h"
 #include "SSGenerator/generator.h"
 #include "app/filenames.h"
 #include "app/look.h"
 #include "app/mainwindow.h"
 #include "device/uploaddownloadmanager.h"
+#include "profiles/profilename.h"
 #include "profiles/profilenameslistmanager.h"
+#include "profiles/profilesettings.h"
 #include "support/messageboxanswers.h"
 
 #include <QAction>
@@ -73,8 +76,12 @@ private slots:
     void unpackedFilesStandInTheWorkingDirectory();
     void degreeSignsSurviveTheBundle();
     void whatIsNotThereYetIsOutOfReach();
+    void theManagerCanEmptyTheList();
+    void rowsBehindADisconnectAreMarked();
 
 private:
+    void addRow();
+
     QAction *action(const char *name) const
     {
         return window->findChild<QAction *>(QLatin1String(name));
@@ -659,6 +666,36 @@ void MainWindowTest::whatIsNotThereYetIsOutOfReach()
           "containerScroll", "cancelChangesButton", "saveChangesButton", "unitSettingsDisplay",
           "unitSettingsTitle", "resetDefaults"})
         QVERIFY2(!window->findChild<QWidget *>(name)->isVisible(), name);
+}
+
+void MainWindowTest::addRow()
+{
+    auto *profile = new ProfileSettings;
+    QVERIFY(profile->initializeStructSettings("Lithium", generator()));
+    emit window->findChild<ImportProfiles::ImportProfilesMain *>()->profileReadyForImport(
+        profile, true, false);
+}
+
+void MainWindowTest::theManagerCanEmptyTheList()
+{
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    addRow();
+    addRow();
+    QCOMPARE(list->count(), 2);
+    emit manager()->deleteAllProfiles();
+    QCOMPARE(list->count(), 0);
+}
+
+void MainWindowTest::rowsBehindADisconnectAreMarked()
+{
+    // Each told read enables the marks, after the fall of the link has disabled them.
+    emit manager()->settingsRead(true);
+    emit manager()->settingsRead(false);
+    addRow();
+    auto *row = window->findChild<ProfileName *>();
+    QVERIFY(!row->getTitle().endsWith("**"));
+    row->findChild<QAbstractButton *>("activeProfileButton")->click();
+    QVERIFY(row->getTitle().endsWith("**"));
 }
 
 QTEST_MAIN(MainWindowTest)
