@@ -134,7 +134,11 @@ void MainWindowTest::theLookReachesTheWindowThatIsThere()
         QCOMPARE(widget->font().family(), QStringLiteral("Arial"));
         QCOMPARE(widget->font().pointSize(), 9);
     }
-    QVERIFY(qApp->styleSheet().startsWith(QStringLiteral("QLineEdit{border-color: rgb(176, ")));
+    QCOMPARE(qApp->styleSheet(),
+             QStringLiteral("QLineEdit{border-color: rgb(176, 174, 171);border-width:  2px;"
+                            "border-style: inset;border-radius: 3px;padding: 1px;padding-top: "
+                            "0px;padding-bottom: 0px;}QLineEdit:!enabled{border: none;color: "
+                            "black;}"));
     qApp->setStyleSheet(QString());
     QApplication::setFont(before);
 }
