@@ -394,6 +394,8 @@ void MainWindow::resizeMainWindow()
 {
     const QSize now = size();
     resize(now - QSize(1, 1));
+    if (size() == now)
+        resize(now + QSize(1, 1)); // there is no smaller size
     resize(now);
 }
 

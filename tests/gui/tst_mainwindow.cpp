@@ -68,6 +68,7 @@ private slots:
     void exportsCarryWhetherSettingsGoAlong();
     void importsTellWhetherSettingsAreLoaded();
     void toolbarAndMenuDisableTogether();
+    void resizingEndsAtTheSameSize_data();
     void resizingEndsAtTheSameSize();
     void windowUsesTheAnchors();
     void deleteAllAsksOnlyWithRows();
@@ -577,16 +578,25 @@ void MainWindowTest::toolbarAndMenuDisableTogether()
         QVERIFY(widget->isEnabled());
 }
 
+void MainWindowTest::resizingEndsAtTheSameSize_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("any") << QSize(900, 600);
+    QTest::newRow("smallest") << QSize(700, 350);
+    QTest::newRow("smallest width") << QSize(700, 600);
+}
+
 void MainWindowTest::resizingEndsAtTheSameSize()
 {
-    window->resize(900, 600);
+    QFETCH(QSize, size);
+    window->resize(size);
     // What stands at a wrong place comes back to the right one, though the size is the same.
     auto *button = window->findChild<QWidget *>("viewDeviceSettings");
-    QTRY_COMPARE(button->y(), 600 - 97);
+    QTRY_COMPARE(button->y(), size.height() - 97);
     button->move(button->x(), 0);
     window->resizeMainWindow();
-    QCOMPARE(window->size(), QSize(900, 600));
-    QTRY_COMPARE(button->y(), 600 - 97);
+    QCOMPARE(window->size(), size);
+    QTRY_COMPARE(button->y(), size.height() - 97);
 }
 
 void MainWindowTest::windowUsesTheAnchors()
