@@ -7,7 +7,6 @@ need_packages() {
             missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
-    echo "Installing: ${missing[*]}"
     local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
         command -v sudo >/dev/null || {
@@ -19,6 +18,7 @@ need_packages() {
         }
         as_root=(sudo)
     fi
+    echo "Installing: ${missing[*]}"
     "${as_root[@]}" apt-get update -q
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -q --no-install-recommends "${missing[@]}"
