@@ -66,6 +66,8 @@ def profile_pages():
     seed("empty", MASTER, BLANK_END, PAGE, b"")
     seed("blank-end", MASTER, BLANK_END, PAGE, counter)
     seed("no-end", MASTER, 0, PAGE, counter)
+    for rows in (1, 5, 8):
+        seed("full-rows-%d" % rows, MASTER, 0, PAGE, counter * 64 * rows)
     seed("outdated-element", MASTER, 0, PAGE, counter + bytes([2, 0, 0]))
     seed("unknown-element", MASTER, 0, PAGE, counter + bytes([0xC8, 0, 0]))
     seed("wrong-checksum", MASTER, BLANK_END, PAGE, bytes([3, 7, 0]))

@@ -93,7 +93,9 @@ PageLog::ElementEnd PageLog::prepareElement(const HParser::StructSettings *eleme
 
 unsigned char PageLog::byteAt(int index) const
 {
-    return index < bytes.size() ? static_cast<unsigned char>(bytes.at(index)) : 0;
+    if (index < bytes.size())
+        return static_cast<unsigned char>(bytes.at(index));
+    return index < blankEnd && index % wordSize != wordSize - 1 ? 0xFF : 0;
 }
 
 void PageLog::setByte(int index, int value)

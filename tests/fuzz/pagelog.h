@@ -14,7 +14,10 @@ class StructSettings;
 class PageLog
 {
 public:
-    explicit PageLog(const QByteArray &stream) : bytes(stream) {}
+    /// Behind the stream a reader comes by blank flash up to the byte blankEnd, then by zeros.
+    explicit PageLog(const QByteArray &stream, int blankEnd = 0) : bytes(stream), blankEnd(blankEnd)
+    {
+    }
 
     enum class Checksums { AsTheyAre, Right };
 
@@ -34,10 +37,11 @@ private:
     /// Moves *index behind the element.
     ElementEnd prepareElement(const HParser::StructSettings *element, int *index,
                               Checksums checksums);
-    /// The value of the byte; 0 behind the end.
+    /// The value of the byte, behind the stream too.
     unsigned char byteAt(int index) const;
     void setByte(int index, int value);
 
     QByteArray bytes;
+    int blankEnd;
     int elements = 0;
 };

@@ -65,15 +65,33 @@ QByteArray withPhantomBytes(const QByteArray &dataBytes)
     return stream;
 }
 
+/// Of a page that starts so many bytes before the end of the image.
+int bytesTurned(int roomInImage)
+{
+    return std::min(HexUtility::pageSize, roomInImage / 4 * 4);
+}
+
+/// With its last word complete, where a reader turns that round.
+QByteArray wholeWords(const QByteArray &stream, int roomInImage)
+{
+    const int missing = stream.size() < bytesTurned(roomInImage) ? (4 - stream.size() % 4) % 4 : 0;
+    return stream + QByteArray(missing, '\0');
+}
+
+/// Where the blank flash ends that a reader puts behind a log of full rows; 0 without any.
+int blankEnd(const QByteArray &stream, int roomInImage)
+{
+    constexpr int row = 256;
+    const bool fullRows = !stream.isEmpty() && stream.size() % row == 0;
+    return fullRows ? std::min(HexUtility::pageSize, roomInImage) : 0;
+}
+
 /// The bytes of the file from which a reader makes the stream: it turns the words of one page round
 /// and leaves alone what lies behind.
 QByteArray fileBytes(const QByteArray &stream, int roomInImage)
 {
     QByteArray bytes = stream;
-    const int turned = std::min(HexUtility::pageSize, roomInImage / 4 * 4);
-    if (bytes.size() < turned)
-        bytes.append(QByteArray((4 - bytes.size() % 4) % 4, '\0'));
-    for (int word = 0; word + 4 <= std::min(turned, bytes.size()); word += 4)
+    for (int word = 0; word + 4 <= std::min(bytesTurned(roomInImage), bytes.size()); word += 4)
         std::swap(bytes.data()[word], bytes.data()[word + 2]);
     return bytes;
 }
@@ -130,7 +148,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const bool inside = wordAddress >= 0 && wordAddress < imageSize / 2;
     const int fileAddress = inside ? wordAddress : otherWordAddress;
     const int room = imageSize - 2 * fileAddress;
-    PageLog log(stream.left(room));
+    stream = wholeWords(stream.left(room), room);
+    PageLog log(stream, blankEnd(stream, room));
     const std::optional<int> expected =
         log.prepare(generator, flags & RightChecksums ? PageLog::Checksums::Right
                                                       : PageLog::Checksums::AsTheyAre);
