@@ -18,10 +18,17 @@ bool isProgram(const QString &name)
            name.contains(QLatin1String(".mac"));
 }
 
+/// Replaces target by a copy with the same permissions. QFile::copy() goes by way of a temporary
+/// file and its name, which can keep a start waiting for the disk.
 void replaceFile(const QString &source, const QString &target)
 {
     QFile::remove(target);
-    QFile::copy(source, target);
+    QFile embedded(source);
+    QFile copy(target);
+    if (!embedded.open(QIODevice::ReadOnly) || !copy.open(QIODevice::WriteOnly))
+        return;
+    copy.write(embedded.readAll());
+    copy.setPermissions(embedded.permissions());
 }
 
 QString inCurrentDirectory(const QString &name)
