@@ -268,11 +268,19 @@ int ImportProfilesMain::importSSFileStruct(const ParsedFSElement *element, Struc
     if (!element)
         return -1;
     const Properties properties = element->getProperties();
+    const auto valueFor = [&properties](const StructSetting *setting) {
+        return properties.value(setting->xmlName);
+    };
+    // A limit may follow a member that comes behind it: what the last record has left there must
+    // not bound what this one says.
+    for (StructSetting *setting : target->getOriginalOrderStructSettings()) {
+        if (!valueFor(setting).isEmpty())
+            setting->setDefault();
+    }
     for (StructSetting *setting : target->getOriginalOrderStructSettings()) {
         setting->advancedEnabled = true;
-        const QString value = properties.value(setting->xmlName);
-        if (!value.isEmpty())
-            setValueFromText(setting, value);
+        if (!valueFor(setting).isEmpty())
+            setValueFromText(setting, valueFor(setting));
     }
     return 0;
 }

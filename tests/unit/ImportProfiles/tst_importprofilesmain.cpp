@@ -139,6 +139,7 @@ private slots:
     void sortingAddsToWhatIsThere();
     void deviceElements();
     void laterGlobalSettingsWinMemberByMember();
+    void formerValuesDoNotBoundLaterOnes();
     void barcodeDoesNotReachTheStruct();
     void lifetimeStatistics();
     void schemaWithoutHardwareAndBarcode();
@@ -327,6 +328,17 @@ void ImportProfilesMainTest::laterGlobalSettingsWinMemberByMember()
     importer->sortElements(elements({of("Global settings", {{"brightness", "1"}}), pageCounter}));
     QCOMPARE(valueOf(settings, "brightness"), q("1"));
     QCOMPARE(valueOf(settings, "screensaver_delay_m"), q("30"));
+}
+
+void ImportProfilesMainTest::formerValuesDoNotBoundLaterOnes()
+{
+    // A long press takes at least twice as long as a short one, which comes behind it.
+    importer->sortElements(
+        elements({of("Global settings", {{"longpress_time", "0.8"}, {"shortpress_time", "0.03"}}),
+                  of("Global settings", {{"longpress_time", "0.05"}, {"shortpress_time", "0.02"}}),
+                  pageCounter}));
+    QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "longpress_time_cs"), q("0.05"));
+    QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "shortpress_time_cs"), q("0.02"));
 }
 
 void ImportProfilesMainTest::barcodeDoesNotReachTheStruct()
@@ -552,6 +564,12 @@ void ImportProfilesMainTest::advancedSettings_data()
                                            {"top-up_current", "0.5"},
                                            {"top-up_time", "1"}});
     QTest::newRow("all defaults of its own basic values") << plain << false;
+    QTest::newRow("a default that a limit cuts")
+        << with(plain, {{"nominal_voltage", "48"},
+                        {"bulk_start_voltage", "38.4"},
+                        {"charge_complete_at_-delta_v", "0.4"},
+                        {"charge_complete_at_max_voltage", "63"}})
+        << false;
     QTest::newRow("a number") << with(plain, {{"top-up_time", "1.1"}}) << true;
     QTest::newRow("a basic flag") << with(plain, {{"thermistor", "true"}}) << false;
     QTest::newRow("the defaults of other basic values")
