@@ -10,13 +10,14 @@
 #include <unistd.h>
 
 LinePeer::LinePeer(Echo echo, Answer answer)
-    : master(posix_openpt(O_RDWR | O_NOCTTY)), echo(echo), answer(std::move(answer))
+    : master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)), echo(echo), answer(std::move(answer))
 {
-    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0 || pipe(wake) != 0)
+    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0 || pipe2(wake, O_CLOEXEC) != 0)
         qFatal("no pseudo-terminal for the test");
     name = ptsname(master);
-    // Held open here, the line stays when the code under test closes and reopens it.
-    slave = open(name.constData(), O_RDWR | O_NOCTTY);
+    // Held open here (and by no child process), the line stays when the code under test closes and
+    // reopens it.
+    slave = open(name.constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     termios raw = {};
     raw.c_cflag = CS8 | CREAD | CLOCAL;
     if (slave < 0 || tcsetattr(slave, TCSANOW, &raw) != 0)

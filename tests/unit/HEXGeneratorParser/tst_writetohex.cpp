@@ -181,6 +181,8 @@ void WriteToHEXTest::numbers_data()
     row("negative", "signed int", -1000, 1, "18FC");
     row("minus one in eight bytes", "long long", -1, 1, "FFFFFFFFFFFFFFFF");
     row("half upwards", "unsigned char", 2.5, 1, "03");
+    // By division it would be 1.4999999999999998.
+    row("a tie by the reciprocal of the scale", "int", 0.15, 0.1, "0200");
     row("negative half upwards", "signed char", -2.5, 1, "FE");
     row("below a negative half", "signed char", -2.6, 1, "FD");
     row("just below a half", "unsigned char", 2.4, 1, "02");

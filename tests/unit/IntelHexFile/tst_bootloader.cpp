@@ -77,6 +77,7 @@ private slots:
     void identifies_data();
     void identifies();
     void identifyCallsAndGivesUp();
+    void identifyTimes();
     void identifyWithoutPort();
 
     void erasesAll_data();
@@ -254,6 +255,13 @@ void BootloaderTest::identifyCallsAndGivesUp()
     QCOMPARE(peer->received().count('U'), peer->received().size());
     // a picture for each half of a second
     QCOMPARE(printed, QByteArray("    \b\b\b\b.   \b\b\b\b"));
+}
+
+void BootloaderTest::identifyTimes()
+{
+    const IdentifyTimes times;
+    QCOMPARE(times.syncInterval, std::clock_t(20000));
+    QCOMPARE(times.giveUp, std::clock_t(30000000));
 }
 
 void BootloaderTest::identifyWithoutPort()

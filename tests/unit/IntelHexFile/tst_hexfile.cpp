@@ -50,13 +50,16 @@ const QByteArray endOfFile = ":00000001FF\n";
 struct Loaded {
     explicit Loaded(const QByteArray &text, std::uint32_t eepromStart = 0,
                     std::uint32_t eepromEnd = 0)
-        : flash(flashImageSize, 0), eeprom(eepromImageSize, 0)
+        : flash(flashImageSize + 1, 0), eeprom(eepromImageSize + 1, 0)
     {
+        flash.back() = eeprom.back() = guard;
         TextFile file(text);
         printed = printedBy([&] {
             top = loadhexfile(flash.data(), eeprom.data(), file, &eepromSeen, &eepromTop,
                               eepromStart, eepromEnd);
         });
+        if (flash.back() != guard || eeprom.back() != guard)
+            qFatal("a byte was stored behind the images");
     }
 
     QByteArray flashAt(std::size_t address, int count) const
@@ -64,6 +67,7 @@ struct Loaded {
         return QByteArray(reinterpret_cast<const char *>(flash.data()) + address, count);
     }
 
+    static constexpr unsigned char guard = 0xA5;
     std::vector<unsigned char> flash;
     std::vector<unsigned char> eeprom;
     char eepromSeen = 0;

@@ -106,6 +106,7 @@ private slots:
 
     void portCannotBeOpened();
     void chargerIsSilent();
+    void bootloaderIsNotFound();
     void noDeviceTable();
     void versionNotInTheTable();
     void assumedVersion();
@@ -129,6 +130,7 @@ private slots:
     void savesRowsOfAnySize_data();
     void savesRowsOfAnySize();
     void outputFileCannotBeOpened();
+    void outputFileTakesNothing();
     void readFails();
     void verifyFails();
     void eeprom();
@@ -236,6 +238,27 @@ void VexaTest::chargerIsSilent()
     QCOMPARE(chunks, QList<QByteArray>{banner + "\nBootloader Version is...\nTimeout!"
                                                 "Version command send failed!"});
     QCOMPARE(process.exitCode(), 1);
+}
+
+void VexaTest::bootloaderIsNotFound()
+{
+    QProcess process;
+    process.start(QStringLiteral(VEXA), {QStringLiteral("-s"), QString::fromUtf8(charger->path()),
+                                         QStringLiteral("-h"), QStringLiteral("-e")});
+    const QByteArray waiting("Finding device version, please power cycle and plug in");
+    QByteArray printed;
+    while (!printed.contains(waiting)) {
+        QVERIFY(process.waitForReadyRead());
+        printed += process.readAllStandardOutput();
+    }
+    QVERIFY(printed.startsWith(banner + waiting));
+    // Long before the 30 seconds are over the line goes away, so that nothing can be sent any more.
+    charger.reset();
+    QVERIFY(process.waitForFinished());
+    printed += process.readAllStandardOutput();
+    QVERIFY2(printed.endsWith("timeout trying to find bootloader!"), printed.constData());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
 }
 
 void VexaTest::noDeviceTable()
@@ -571,6 +594,14 @@ void VexaTest::outputFileCannotBeOpened()
     QCOMPARE(run.status, 1);
 }
 
+void VexaTest::outputFileTakesNothing()
+{
+    const Run run = onCharger({"-l", "0x9C00", "0xA000", "/dev/full"});
+    QCOMPARE(run.printed, versionLine + "\nReading from word address 9c00 to a000"
+                                        "hex file write failure!");
+    QCOMPARE(run.status, 1);
+}
+
 void VexaTest::readFails()
 {
     charger = std::make_unique<LinePeer>(LinePeer::Echo::On, [](const QByteArray &payload) {
@@ -593,6 +624,14 @@ void VexaTest::verifyFails()
                  "\nverify fail at row address c00 with rowsize 10 at byte 0!\n1 != ff"),
              run.printed.constData());
     QCOMPARE(run.status, 1);
+
+    // The EEPROM is not looked at any more.
+    folder->write(QStringLiteral("device.txt"), deviceTable(eepromFields()));
+    folder->write(QStringLiteral("both.hex"), ":041800000102030DD1\n:020000040002F8\n"
+                                              ":050002000203040506E5\n:00000001FF\n");
+    const Run both = onCharger({"-v", "both.hex"});
+    QVERIFY2(both.printed.endsWith("\n0 != 0"), both.printed.constData());
+    QCOMPARE(both.status, 1);
 }
 
 void VexaTest::eeprom()
@@ -678,10 +717,18 @@ void VexaTest::throughput()
     QVERIFY(run.printed.contains("\nPass 2 of 2"));
     QCOMPARE(run.printed.count("Verified Flash OK!"), 2);
     QCOMPARE(run.status, 0);
-    int rows = 0;
-    for (const QByteArray &payload : charger->payloads())
-        rows += payload.at(0) == 2 ? 1 : 0;
-    QCOMPARE(rows, 16);
+    QList<QByteArray> rows;
+    for (const QByteArray &payload : charger->payloads()) {
+        if (payload.at(0) == 2)
+            rows.append(payload.mid(5));
+    }
+    QCOMPARE(rows.size(), 16);
+    QCOMPARE(QSet<QByteArray>(rows.begin(), rows.end()).size(), 16);
+    // The chip has no fourth byte of a word, so none can be read back.
+    for (const QByteArray &row : rows) {
+        for (int i = 3; i < row.size(); i += 4)
+            QCOMPARE(int(row.at(i)), 0);
+    }
 }
 
 QTEST_GUILESS_MAIN(VexaTest)
