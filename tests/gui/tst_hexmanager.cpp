@@ -353,6 +353,9 @@ void HEXManagerTest::limitIsThatOfConstruction()
     for (int i = 0; i < 12; ++i)
         addRow("Lead", "n", 255);
     QVERIFY(manager->exportProfiles(q("page.hex")));
+    FileDialogAnswer dialog(QDir::current().filePath(q("mine.hex")));
+    manager->on_exportAsHEXButtonClicked();
+    QVERIFY(QFile::exists(q("mine.hex")));
 }
 
 void HEXManagerTest::unwritablePage()

@@ -106,6 +106,9 @@ void HexUtilityTest::signedness_data()
     QTest::newRow("long long") << HexUtility::signedType;
     QTest::newRow("unsigned int") << HexUtility::unsignedType;
     QTest::newRow("unsigned long long") << HexUtility::unsignedType;
+    QTest::newRow("unsigned") << HexUtility::unsignedType;
+    QTest::newRow("long unsigned") << HexUtility::signedType;
+    QTest::newRow("unsignedly int") << HexUtility::signedType;
 }
 
 void HexUtilityTest::signedness()

@@ -162,6 +162,9 @@ private slots:
     void unknownStructsAreDropped();
     void advancedSettings_data();
     void advancedSettings();
+    void advancedFlagsAndTexts_data();
+    void advancedFlagsAndTexts();
+    void hiddenAdvancedSettingsDoNotCount();
     void statisticsFindTheirProfile();
     void averages();
     void noChargesYet();
@@ -592,6 +595,52 @@ void ImportProfilesMainTest::advancedSettings()
     QCOMPARE(profiles.size(), 1);
     QCOMPARE(profiles.first()->structSettings->getAdvancedSettingsEdited(), edited);
     QCOMPARE(importer->areAdvancedSettingsDefault(profiles.first()->structSettings), !edited);
+}
+
+void ImportProfilesMainTest::advancedFlagsAndTexts_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("isDefault");
+    const QString flag = q("unsigned char a; // bool, auto, \"a\", \"a\", 1, 0, ");
+    QTest::newRow("flag at its default") << flag + q("advanced") << q("true") << true;
+    QTest::newRow("other flag") << flag + q("advanced") << q("false") << false;
+    QTest::newRow("other flag, basic") << flag + q("basic") << q("false") << true;
+    const QString text = q("char a[6]; // string, auto, \"a\", \"a\", \"none\", 0, ");
+    QTest::newRow("text at its default") << text + q("advanced") << q("none") << true;
+    QTest::newRow("other text") << text + q("advanced") << q("some") << false;
+    QTest::newRow("other text, basic") << text + q("basic") << q("some") << true;
+}
+
+void ImportProfilesMainTest::advancedFlagsAndTexts()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, value);
+    QFETCH(bool, isDefault);
+    auto *setting = new StructSetting(line);
+    StructSettings settings;
+    settings.setOriginalOrderStructSettings({setting});
+    settings.setStructSettings({setting});
+    if (setting->settingKind == HParser::SettingKind::Bool)
+        setting->setValue(value == q("true"));
+    else
+        setting->setValue(value);
+    QCOMPARE(importer->areAdvancedSettingsDefault(&settings), isDefault);
+}
+
+void ImportProfilesMainTest::hiddenAdvancedSettingsDoNotCount()
+{
+    StructSettings *settings = generator->getUnitSettingsStruct();
+    QVERIFY(importer->areAdvancedSettingsDefault(settings));
+    StructSetting *hidden = settings->getStructSettingByName(q("shortpress_time_cs"));
+    QVERIFY(!hidden->isBasic);
+    hidden->advancedEnabled = true;
+    hidden->setValue(0.03);
+    QVERIFY(importer->areAdvancedSettingsDefault(settings));
+    StructSetting *shown = settings->getStructSettingByName(q("cable_resistance_mOhm"));
+    shown->advancedEnabled = true;
+    shown->setValue(0.1);
+    QVERIFY(!importer->areAdvancedSettingsDefault(settings));
 }
 
 void ImportProfilesMainTest::statisticsFindTheirProfile()

@@ -133,6 +133,7 @@ private slots:
     void outputFileTakesNothing();
     void readFails();
     void verifyFails();
+    void failedWriteLeavesTheEeprom();
     void eeprom();
     void resets();
     void probesPorts();
@@ -634,6 +635,22 @@ void VexaTest::verifyFails()
     QCOMPARE(both.status, 1);
 }
 
+void VexaTest::failedWriteLeavesTheEeprom()
+{
+    charger = std::make_unique<LinePeer>(LinePeer::Echo::On, [](const QByteArray &payload) {
+        return LinePeer::framed(payload.at(0) == 0 ? hex("000200000106") : hex("FF"));
+    });
+    folder->write(QStringLiteral("device.txt"), deviceTable(eepromFields()));
+    folder->write(QStringLiteral("both.hex"), ":041800000102030DD1\n:020000040002F8\n"
+                                              ":050002000203040506E5\n:00000001FF\n");
+    const Run run = onCharger({"-w", "both.hex", "-v", "both.hex"});
+    QCOMPARE(run.printed, versionLine + loadedTexts +
+                              "\nNow writing from c00 to c02 word address\n"
+                              "cmd does not match!255 != 2write fail!");
+    QCOMPARE(run.status, 1);
+    QCOMPARE(charger->payloads().size(), 2);
+}
+
 void VexaTest::eeprom()
 {
     folder->write(QStringLiteral("device.txt"), deviceTable(eepromFields()));
@@ -685,7 +702,7 @@ void VexaTest::probesPorts()
     const Run bad = vexa({"-t", "/dev/there-is-no-such-port"});
     QCOMPARE(bad.printed, QByteArray("\nCan not open comport /dev/there-is-no-such-port"));
     QCOMPARE(bad.status, 1);
-    const Run names = vexa({"-t", "!WIN"});
+    const Run names = vexa({"-t", "!WINDOWS"});
     QCOMPARE(names.printed, QByteArray("\n0 ports found"));
     QCOMPARE(names.status, 1);
 }
