@@ -10,6 +10,7 @@
 #include "app/panelayout.h"
 #include "app/versionstringchecks.h"
 #include "app/workingfiles.h"
+#include "bundles/hardwaredropdown.h"
 #include "bundles/velantorbundlemanager.h"
 #include "device/uploaddownloadmanager.h"
 #include "profiles/profilenameslistmanager.h"
@@ -136,6 +137,7 @@ void MainWindow::createManagers()
     hexManager =
         new HEXGeneratorParser::HEXManager(this, ui->profileNamesList, generator, importer, this);
     uploadDownload = new UploadDownload::UploadDownloadManager(hexManager, this);
+    hardwareDropdown = new HardwareDropdown(generator, this);
 }
 
 /// Receivers of one signal run in the order of these lines.
@@ -156,6 +158,12 @@ void MainWindow::connectManagers()
             &UploadDownloadManager::onResetFromFirmware);
 
     connect(generator, &Generator::strictSSFileLoaded, hexManager, &HEXManager::importFSElements);
+    connect(generator, &Generator::strictSSFileLoaded, hardwareDropdown,
+            &HardwareDropdown::disable);
+    connect(generator, &Generator::masterSSFileLoaded, hardwareDropdown, &HardwareDropdown::enable);
+
+    connect(listManager, &List::revertHardwareLimits, hardwareDropdown,
+            &HardwareDropdown::revertLimits);
 
     connect(importer, &ImportProfilesMain::profileReadyForImport, listManager,
             &List::on_profileReadyForImport);
@@ -184,6 +192,9 @@ void MainWindow::connectManagers()
             &MainWindow::velantorConnected);
     connect(uploadDownload, &UploadDownloadManager::unitSettingsRead, this,
             &MainWindow::unitSettingsRead);
+
+    connect(hardwareDropdown, &HardwareDropdown::newLimits, listManager,
+            &List::deleteAllOutOfBoundsProfiles);
 }
 
 void MainWindow::extraUIAdditions()
@@ -222,6 +233,13 @@ void MainWindow::extraUIAdditions()
         action->setEnabled(false);
 
     bar->addWidget(expandingSpacer(bar));
+    modelLabel = new QLabel(tr("Velantor Model:"), bar);
+    setModelLabelFont();
+    bar->addWidget(modelLabel);
+    bar->addWidget(spacer(8, bar));
+    hardwareDropdown->setObjectName(QStringLiteral("hardwareDropdown"));
+    hardwareDropdown->setAccessibleName(tr("Velantor Model"));
+    bar->addWidget(hardwareDropdown);
     bar->addWidget(spacer(15, bar));
     auto *logo = new QLabel(bar);
     logo->setPixmap(QPixmap(QStringLiteral(":/new/images/tolk_logo.png")));
@@ -229,6 +247,13 @@ void MainWindow::extraUIAdditions()
 
     setWindowIcon(QIcon(QStringLiteral(":/new/images/icon_linux.png")));
     ui->statusBar->hide();
+}
+
+void MainWindow::setModelLabelFont()
+{
+    QFont larger = font();
+    larger.setPointSize(larger.pointSize() + 1);
+    modelLabel->setFont(larger);
 }
 
 /// Receivers of one sender run in the order of these lines.
@@ -404,4 +429,12 @@ void MainWindow::resizeEvent(QResizeEvent *event)
     QMainWindow::resizeEvent(event);
     if (startupChecksPassed && panes)
         panes->place(event->size());
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    // The suite's font comes after the window was built.
+    if (event->type() == QEvent::FontChange && modelLabel)
+        setModelLabelFont();
 }

@@ -4,10 +4,12 @@
 
 #include <memory>
 
+class HardwareDropdown;
 class PaneLayout;
 class ProfileNamesListManager;
 class VelantorBundleManager;
 class QAction;
+class QLabel;
 
 namespace HEXGeneratorParser
 {
@@ -79,6 +81,7 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void runTests();
@@ -88,16 +91,19 @@ private:
     void createManagers();
     void connectManagers();
     void extraUIAdditions();
+    void setModelLabelFont();
     void connectActions();
     void hideWhatIsNotThereYet();
 
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<PaneLayout> panes;
+    QLabel *modelLabel = nullptr;
     ProfileNamesListManager *listManager = nullptr;
     ImportProfiles::ImportProfilesMain *importer = nullptr;
     HEXGeneratorParser::HEXManager *hexManager = nullptr;
     UploadDownload::UploadDownloadManager *uploadDownload = nullptr;
     std::unique_ptr<VelantorBundleManager> bundleManager;
+    HardwareDropdown *hardwareDropdown = nullptr;
     HParser::Generator *generator = nullptr;
     QAction *saveDataAction = nullptr;
     QAction *readDataAction = nullptr;

@@ -1,5 +1,9 @@
+#include "HEXGeneratorParser/hexmanager.h"
 #include "ImportProfiles/importprofilesmain.h"
+#include "SSGenerator/formula.h"
 #include "SSGenerator/generator.h"
+#include "SSGenerator/structsetting.h"
+#include "SSGenerator/structsettings.h"
 #include "app/filenames.h"
 #include "app/look.h"
 #include "app/mainwindow.h"
@@ -12,6 +16,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
@@ -29,6 +34,20 @@
 #include <QToolBar>
 
 #include <memory>
+
+namespace
+{
+/// The look that the program gets once its window is there.
+struct SuiteLook {
+    SuiteLook() { setSuiteLook(); }
+    ~SuiteLook()
+    {
+        qApp->setStyleSheet(QString());
+        QApplication::setFont(before);
+    }
+    const QFont before = QApplication::font();
+};
+} // namespace
 
 /// The window as a switchboard: its form, its tool bar's states, its signals.
 class MainWindowTest : public QObject
@@ -52,6 +71,9 @@ private slots:
     void namesAreAsLongAsTheChargerHoldsThem();
     void buttonsHaveTheirPictures();
     void toolBarFillsInOrder();
+    void toolBarFitsTheSmallestWindow_data();
+    void toolBarFitsTheSmallestWindow();
+    void modelIsReachedByTab();
     void toolBarHasItsPictures_data();
     void toolBarHasItsPictures();
     void startsDisconnected();
@@ -79,6 +101,10 @@ private slots:
     void whatIsNotThereYetIsOutOfReach();
     void theManagerCanEmptyTheList();
     void rowsBehindADisconnectAreMarked();
+    void startsWithTheSchemasOwnLimits();
+    void anotherModelChecksTheRows_data();
+    void anotherModelChecksTheRows();
+    void aStrictSchemaLocksTheModel();
 
 private:
     void addRow();
@@ -88,6 +114,17 @@ private:
         return window->findChild<QAction *>(QLatin1String(name));
     }
     HParser::Generator *generator() const { return window->getGenerator(); }
+    QComboBox *model() const { return window->findChild<QComboBox *>("hardwareDropdown"); }
+    QLabel *modelLabel() const
+    {
+        auto *bar = window->findChild<QToolBar *>("mainToolBar");
+        return qobject_cast<QLabel *>(bar->widgetForAction(bar->actions().at(5)));
+    }
+    HParser::StructSetting *member(const char *chemistry, const char *name) const;
+    double lithiumLimit(const char *name) const
+    {
+        return member("Lithium", name)->upperBound->toDouble();
+    }
     UploadDownload::UploadDownloadManager *manager() const
     {
         return window->findChild<UploadDownload::UploadDownloadManager *>();
@@ -124,8 +161,7 @@ void MainWindowTest::titleAndSizes()
 
 void MainWindowTest::theLookReachesTheWindowThatIsThere()
 {
-    const QFont before = QApplication::font();
-    setSuiteLook();
+    const SuiteLook look;
     QWidget *connectButton =
         window->findChild<QToolBar *>()->widgetForAction(action("connectAction"));
     for (const QWidget *widget :
@@ -135,13 +171,13 @@ void MainWindowTest::theLookReachesTheWindowThatIsThere()
         QCOMPARE(widget->font().family(), QStringLiteral("Arial"));
         QCOMPARE(widget->font().pointSize(), 9);
     }
+    QCOMPARE(modelLabel()->font().family(), QStringLiteral("Arial"));
+    QCOMPARE(modelLabel()->font().pointSize(), 10);
     QCOMPARE(qApp->styleSheet(),
              QStringLiteral("QLineEdit{border-color: rgb(176, 174, 171);border-width:  2px;"
                             "border-style: inset;border-radius: 3px;padding: 1px;padding-top: "
                             "0px;padding-bottom: 0px;}QLineEdit:!enabled{border: none;color: "
                             "black;}"));
-    qApp->setStyleSheet(QString());
-    QApplication::setFont(before);
 }
 
 void MainWindowTest::menusHoldTheirEntriesInOrder_data()
@@ -391,7 +427,17 @@ void MainWindowTest::toolBarFillsInOrder()
     const QSizePolicy middle = bar->widgetForAction(entries.at(4))->sizePolicy();
     QCOMPARE(middle.horizontalPolicy(), QSizePolicy::Expanding);
     QCOMPARE(middle.verticalPolicy(), QSizePolicy::Expanding);
-    QCOMPARE(bar->widgetForAction(entries.at(entries.size() - 2))->width(), 15);
+    QCOMPARE(entries.size(), 10);
+    auto *label = qobject_cast<QLabel *>(bar->widgetForAction(entries.at(5)));
+    QVERIFY(label);
+    QCOMPARE(label->text(), QStringLiteral("Velantor Model:"));
+    QCOMPARE(label->font().pointSize(), window->font().pointSize() + 1);
+    QCOMPARE(bar->widgetForAction(entries.at(6))->width(), 8);
+    auto *model = qobject_cast<QComboBox *>(bar->widgetForAction(entries.at(7)));
+    QVERIFY(model);
+    QCOMPARE(model->currentText(), QStringLiteral("48V"));
+    QCOMPARE(model->accessibleName(), QStringLiteral("Velantor Model"));
+    QCOMPARE(bar->widgetForAction(entries.at(8))->width(), 15);
     auto *logo = qobject_cast<QLabel *>(bar->widgetForAction(entries.last()));
     QVERIFY(logo);
     QCOMPARE(logo->pixmap(Qt::ReturnByValue).toImage(),
@@ -401,6 +447,41 @@ void MainWindowTest::toolBarFillsInOrder()
     QCOMPARE(bar->styleSheet(), QStringLiteral("QToolButton:disabled {   color: black;}"));
     QVERIFY(!bar->isFloatable());
     QVERIFY(!bar->isMovable());
+}
+
+void MainWindowTest::toolBarFitsTheSmallestWindow_data()
+{
+    QTest::addColumn<bool>("connected");
+    QTest::newRow("disconnected") << false;
+    QTest::newRow("connected") << true;
+}
+
+void MainWindowTest::toolBarFitsTheSmallestWindow()
+{
+    QFETCH(bool, connected);
+    const SuiteLook look;
+    window->resize(700, 350);
+    if (connected)
+        emit manager()->settingsRead(true);
+    QCoreApplication::processEvents();
+    auto *bar = window->findChild<QToolBar *>("mainToolBar");
+    for (QAction *entry : bar->actions()) {
+        const QWidget *widget = bar->widgetForAction(entry);
+        QVERIFY2(widget->isVisible(), qPrintable(entry->text()));
+        QVERIFY(widget->geometry().right() < bar->width());
+    }
+    QVERIFY(model()->width() >= model()->sizeHint().width());
+    QVERIFY(modelLabel()->width() >= modelLabel()->sizeHint().width());
+}
+
+void MainWindowTest::modelIsReachedByTab()
+{
+    const SuiteLook look;
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    for (int tabs = 0; tabs < 60 && !model()->hasFocus(); ++tabs)
+        QTest::keyClick(window->windowHandle(), Qt::Key_Tab);
+    QVERIFY(model()->hasFocus());
 }
 
 void MainWindowTest::startsDisconnected()
@@ -710,6 +791,73 @@ void MainWindowTest::rowsBehindADisconnectAreMarked()
     QVERIFY(!row->getTitle().endsWith("**"));
     row->findChild<QAbstractButton *>("activeProfileButton")->click();
     QVERIFY(row->getTitle().endsWith("**"));
+}
+
+HParser::StructSetting *MainWindowTest::member(const char *chemistry, const char *name) const
+{
+    return generator()
+        ->getChemistrySettingsByName(QLatin1String(chemistry))
+        ->getStructSettingByName(QLatin1String(name));
+}
+
+void MainWindowTest::startsWithTheSchemasOwnLimits()
+{
+    // A bundle's schema may allow less than the table of the models: it stands at the start.
+    const HParser::Generator *before = generator();
+    QVERIFY(before->isMaster());
+    QCOMPARE(lithiumLimit("full_V"), 63.0);
+    QCOMPARE(member("Lithium", "full_V")->upperBound->toString().trimmed(), QStringLiteral("63"));
+    QCOMPARE(member("Lithium", "bulk_I")->upperBound->toString().trimmed(), QStringLiteral("8.0"));
+}
+
+void MainWindowTest::anotherModelChecksTheRows_data()
+{
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<double>("limit");
+    QTest::newRow("kept") << int(QMessageBox::No) << "48V" << 1 << 63.0;
+    QTest::newRow("removed") << int(QMessageBox::Yes) << "24V" << 0 << 34.0;
+}
+
+void MainWindowTest::anotherModelChecksTheRows()
+{
+    QFETCH(int, answer);
+    QFETCH(QString, model);
+    QFETCH(int, rows);
+    QFETCH(double, limit);
+    addRow(); // a full voltage of 42
+    MessageBoxAnswers answers;
+    answers.push(QMessageBox::StandardButton(answer));
+    this->model()->setCurrentText(QStringLiteral("24V"));
+    QCOMPARE(answers.seen().size(), 1);
+    QVERIFY(answers.seen().first().text.contains("the 24V Velantor's hardware limits"));
+    QCOMPARE(this->model()->currentText(), model);
+    QCOMPARE(window->findChild<QListWidget *>("profileNamesList")->count(), rows);
+    QCOMPARE(lithiumLimit("full_V"), limit);
+}
+
+void MainWindowTest::aStrictSchemaLocksTheModel()
+{
+    bool enabledAtImport = false;
+    connect(window->findChild<HEXGeneratorParser::HEXManager *>(),
+            &HEXGeneratorParser::HEXManager::deleteAllProfiles, this,
+            [&] { enabledAtImport = model()->isEnabled(); });
+    QVERIFY(
+        QFile::copy(VELANTOR_SOURCE_DIR "/simulator/pages/72v.hex", DOWNLOADED_PROFILES_FILE_NAME));
+    generator()->parseSSFile(REV7_72V_SS_FILE_NAME);
+    emit generator()->strictSSFileLoaded();
+    QVERIFY(enabledAtImport); // which comes first
+    QVERIFY(window->findChild<QListWidget *>("profileNamesList")->count() > 0);
+    QCOMPARE(model()->currentText(), QStringLiteral("72V"));
+    QVERIFY(!model()->isEnabled());
+
+    emit manager()->settingsRead(true);
+    emit manager()->settingsRead(false);
+    QVERIFY(generator()->isMaster());
+    QCOMPARE(model()->currentText(), QStringLiteral("72V"));
+    QVERIFY(model()->isEnabled());
+    QCOMPARE(lithiumLimit("full_V"), 103.0);
 }
 
 QTEST_MAIN(MainWindowTest)
