@@ -21,7 +21,9 @@ void moveDown(QWidget *widget, int by)
 } // namespace
 
 PaneLayout::PaneLayout(Ui::MainWindow *ui)
-    : ui(ui), cancelInProfileView(ui->cancelChangesButton->geometry())
+    : ui(ui),
+      cancelInProfileView(ui->cancelChangesButton->geometry()),
+      defaultsAboveLowerEdge(ui->settingsList->geometry().bottom() - ui->resetDefaults->y())
 {
 }
 
@@ -46,10 +48,17 @@ void PaneLayout::place(const QSize &window)
     save.moveRight(centre - 8);
     ui->saveChangesButton->setGeometry(save);
     placeCancelButton(centre);
-    moveDown(ui->resetDefaults, moved.height());
-    ui->resetDefaults->move(ui->cancelChangesButton->x() + ui->saveChangesButton->width() -
-                                ui->resetDefaults->width(),
-                            ui->resetDefaults->y());
+    placeDefaultsButton();
+}
+
+bool PaneLayout::showsDeviceSettings() const
+{
+    return ui->editProfileButton->isHidden() && ui->viewDeviceSettings->isChecked();
+}
+
+int PaneLayout::firstRow() const
+{
+    return ui->settingsList->y() + 4;
 }
 
 void PaneLayout::placeList(int height)
@@ -73,13 +82,25 @@ QSize PaneLayout::placePane(const QSize &window)
 void PaneLayout::placeCancelButton(int centre)
 {
     QWidget *cancel = ui->cancelChangesButton;
-    const bool deviceSettingsInView =
-        ui->editProfileButton->isHidden() && ui->viewDeviceSettings->isChecked();
-    if (deviceSettingsInView) {
+    if (showsDeviceSettings()) {
         const QRect save = ui->saveChangesButton->geometry();
         cancel->setGeometry(centre + 7, save.y(), save.width(), save.height());
+        QWidget::setTabOrder(ui->saveChangesButton, cancel);
     } else {
-        cancel->setGeometry(cancelInProfileView.x(), ui->settingsList->y() + 4,
-                            cancelInProfileView.width(), ui->profileActiveButton->height());
+        cancel->setGeometry(cancelInProfileView.x(), firstRow(), cancelInProfileView.width(),
+                            ui->profileActiveButton->height());
+        QWidget::setTabOrder(ui->viewDeviceSettings, cancel);
     }
+}
+
+void PaneLayout::placeDefaultsButton()
+{
+    QWidget *defaults = ui->resetDefaults;
+    const int left =
+        ui->cancelChangesButton->x() + ui->saveChangesButton->width() - defaults->width();
+    // The row of "Cancel" in the profile view is free while the device settings are in view.
+    const int top = showsDeviceSettings()
+                        ? firstRow()
+                        : ui->settingsList->geometry().bottom() - defaultsAboveLowerEdge;
+    defaults->move(left, top);
 }

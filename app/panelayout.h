@@ -13,8 +13,8 @@ class MainWindow;
 class PaneLayout
 {
 public:
-    /// Remembers the edges that the form gave to the "Cancel" button of the profile view. ui must
-    /// outlive this object.
+    /// Remembers the edges that the form gave to the "Cancel" button of the profile view, and how
+    /// far it put "Load Defaults" from the lower edge of the pane. ui must outlive this object.
     explicit PaneLayout(Ui::MainWindow *ui);
 
     /// Places everything for a window of this size.
@@ -24,8 +24,14 @@ private:
     void placeList(int height);
     /// Returns how far the pane's right and lower edges moved.
     QSize placePane(const QSize &window);
+    /// The tab key follows the button to its place.
     void placeCancelButton(int centre);
+    void placeDefaultsButton();
+    bool showsDeviceSettings() const;
+    /// The upper edge of what stands in the pane's first row.
+    int firstRow() const;
 
     Ui::MainWindow *ui;
     QRect cancelInProfileView;
+    int defaultsAboveLowerEdge;
 };

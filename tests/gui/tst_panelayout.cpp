@@ -16,6 +16,8 @@ private slots:
     void anchorsHold();
     void anchorsDoNotDrift();
     void cancelStandsBesideSaveInTheDeviceSettings();
+    void defaultsStandInTheFirstRowOfTheDeviceSettings_data();
+    void defaultsStandInTheFirstRowOfTheDeviceSettings();
 
 private:
     QMainWindow *window = nullptr;
@@ -120,6 +122,7 @@ void PaneLayoutTest::cancelStandsBesideSaveInTheDeviceSettings()
 {
     panes->place(QSize(707, 730));
     const QRect inProfileView = ui.cancelChangesButton->geometry();
+    QCOMPARE(ui.viewDeviceSettings->nextInFocusChain(), ui.cancelChangesButton);
     ui.editProfileButton->hide();
     ui.viewDeviceSettings->setChecked(true);
     panes->place(QSize(707, 730));
@@ -129,11 +132,44 @@ void PaneLayoutTest::cancelStandsBesideSaveInTheDeviceSettings()
     QCOMPARE(cancel.width(), save.width());
     QCOMPARE(cancel.left() - save.right(), 8 + 7);
     QCOMPARE(ui.resetDefaults->geometry().right(), cancel.right());
+    QCOMPARE(ui.saveChangesButton->nextInFocusChain(), ui.cancelChangesButton);
 
     ui.editProfileButton->show();
     ui.viewDeviceSettings->setChecked(false);
     panes->place(QSize(707, 730));
     QCOMPARE(ui.cancelChangesButton->geometry(), inProfileView);
+    QCOMPARE(ui.viewDeviceSettings->nextInFocusChain(), ui.cancelChangesButton);
+}
+
+void PaneLayoutTest::defaultsStandInTheFirstRowOfTheDeviceSettings_data()
+{
+    anchorsHold_data();
+}
+
+void PaneLayoutTest::defaultsStandInTheFirstRowOfTheDeviceSettings()
+{
+    QFETCH(QSize, size);
+    const int fromBottom = ui.settingsList->geometry().bottom() - ui.resetDefaults->y();
+    const QSize own = ui.resetDefaults->size();
+    panes->place(QSize(707, 730));
+    const int firstRow = ui.cancelChangesButton->y();
+
+    ui.editProfileButton->hide();
+    ui.viewDeviceSettings->setChecked(true);
+    ui.resetDefaults->move(0, 500); // wherever it was put
+    panes->place(size);
+    QCOMPARE(ui.resetDefaults->y(), firstRow);
+    QCOMPARE(ui.resetDefaults->size(), own);
+    QCOMPARE(ui.resetDefaults->geometry().right(), ui.cancelChangesButton->geometry().right());
+    QVERIFY(!ui.resetDefaults->geometry().intersects(ui.unitSettingsTitle->geometry()));
+    QVERIFY(!ui.resetDefaults->geometry().intersects(ui.unitSettingsDisplay->geometry()));
+    QVERIFY(ui.settingsList->geometry().contains(ui.resetDefaults->geometry()));
+
+    // Out of sight it keeps to the lower edge.
+    ui.editProfileButton->show();
+    ui.viewDeviceSettings->setChecked(false);
+    panes->place(size);
+    QCOMPARE(ui.settingsList->geometry().bottom() - ui.resetDefaults->y(), fromBottom);
 }
 
 QTEST_MAIN(PaneLayoutTest)
