@@ -36,9 +36,10 @@ void PaneLayout::place(const QSize &window)
     const int centre = pane.left() + pane.width() / 2;
     ui->editProfileButton->move(ui->editProfileButton->x() + moved.width(),
                                 ui->editProfileButton->y());
-    centreOn(ui->profileSettingsName, centre - 15);
-    centreOn(ui->profileSettingsDescription, centre - 15);
-    centreOn(ui->unitSettingsTitle, centre);
+    for (QWidget *title : {static_cast<QWidget *>(ui->profileSettingsName),
+                           static_cast<QWidget *>(ui->profileSettingsDescription),
+                           static_cast<QWidget *>(ui->unitSettingsTitle)})
+        centreOn(title, centre - 15);
     for (QWidget *page : {ui->containerScroll, ui->unitSettingsDisplay}) {
         centreOn(page, centre);
         growDown(page, moved.height());
@@ -85,11 +86,9 @@ void PaneLayout::placeCancelButton(int centre)
     if (showsDeviceSettings()) {
         const QRect save = ui->saveChangesButton->geometry();
         cancel->setGeometry(centre + 7, save.y(), save.width(), save.height());
-        QWidget::setTabOrder(ui->saveChangesButton, cancel);
     } else {
         cancel->setGeometry(cancelInProfileView.x(), firstRow(), cancelInProfileView.width(),
                             ui->profileActiveButton->height());
-        QWidget::setTabOrder(ui->viewDeviceSettings, cancel);
     }
 }
 

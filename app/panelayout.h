@@ -24,7 +24,6 @@ private:
     void placeList(int height);
     /// Returns how far the pane's right and lower edges moved.
     QSize placePane(const QSize &window);
-    /// The tab key follows the button to its place.
     void placeCancelButton(int centre);
     void placeDefaultsButton();
     bool showsDeviceSettings() const;

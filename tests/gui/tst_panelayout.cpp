@@ -122,7 +122,6 @@ void PaneLayoutTest::cancelStandsBesideSaveInTheDeviceSettings()
 {
     panes->place(QSize(707, 730));
     const QRect inProfileView = ui.cancelChangesButton->geometry();
-    QCOMPARE(ui.viewDeviceSettings->nextInFocusChain(), ui.cancelChangesButton);
     ui.editProfileButton->hide();
     ui.viewDeviceSettings->setChecked(true);
     panes->place(QSize(707, 730));
@@ -132,13 +131,11 @@ void PaneLayoutTest::cancelStandsBesideSaveInTheDeviceSettings()
     QCOMPARE(cancel.width(), save.width());
     QCOMPARE(cancel.left() - save.right(), 8 + 7);
     QCOMPARE(ui.resetDefaults->geometry().right(), cancel.right());
-    QCOMPARE(ui.saveChangesButton->nextInFocusChain(), ui.cancelChangesButton);
 
     ui.editProfileButton->show();
     ui.viewDeviceSettings->setChecked(false);
     panes->place(QSize(707, 730));
     QCOMPARE(ui.cancelChangesButton->geometry(), inProfileView);
-    QCOMPARE(ui.viewDeviceSettings->nextInFocusChain(), ui.cancelChangesButton);
 }
 
 void PaneLayoutTest::defaultsStandInTheFirstRowOfTheDeviceSettings_data()
