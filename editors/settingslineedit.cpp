@@ -1,0 +1,118 @@
+#include "editors/settingslineedit.h"
+
+#include "SSGenerator/formula.h"
+#include "SSGenerator/rounding.h"
+#include "SSGenerator/structsetting.h"
+#include "editors/numbervalidator.h"
+#include "editors/typednumber.h"
+
+#include <QApplication>
+#include <QPalette>
+
+using HParser::SettingKind;
+using HParser::StructSetting;
+
+namespace
+{
+
+bool isText(const StructSetting *setting)
+{
+    return setting->settingKind == SettingKind::String || setting->settingKind == SettingKind::List;
+}
+
+/// number with this many digits behind its point. Cuts, never rounds: the setting has rounded. A
+/// number with an exponent stays as it is, for its last digits are not those behind the point.
+QString padded(const QString &number, int decimals)
+{
+    if (decimals <= 0 || number.contains(QLatin1Char('e')))
+        return number;
+    const QString whole = number.section(QLatin1Char('.'), 0, 0);
+    const QString fraction = number.section(QLatin1Char('.'), 1);
+    return whole + QLatin1Char('.') + fraction.leftJustified(decimals, QLatin1Char('0'), true);
+}
+
+} // namespace
+
+SettingsLineEdit::SettingsLineEdit(bool shaded, QWidget *parent) : QLineEdit(parent)
+{
+    setObjectName(QStringLiteral("SettingsLineEdit"));
+    setFixedHeight(20);
+    QString sheet;
+    if (shaded)
+        sheet = QStringLiteral("QLineEdit:enabled{background-color: rgb(238, 238, 238);}");
+    // A line edit without a native border, such as the suite's style sheet makes, is filled with
+    // the desktop's colour whatever its own palette says.
+    if (QApplication::palette().color(QPalette::Base).lightness() < 128)
+        sheet += QStringLiteral("QLineEdit{background-color: white;color: black;}");
+    setStyleSheet(sheet);
+    connect(this, &QLineEdit::editingFinished, this, &SettingsLineEdit::on_editingFinished);
+}
+
+void SettingsLineEdit::bindSetting(StructSetting *newSetting)
+{
+    if (setting)
+        setting->disconnect(this);
+    setting = newSetting;
+    setValidator(nullptr);
+    setAccessibleName(setting->descriptiveName);
+    setAccessibleDescription(setting->unit);
+
+    if (isText(setting)) {
+        // A text that is no array has no room to run out of.
+        if (setting->arraySize > 0)
+            setMaxLength(setting->arraySize - 1);
+        setText(setting->getValue());
+    } else if (setting->settingKind == SettingKind::Num) {
+        setValidator(new NumberValidator(this));
+        updateView();
+    } else {
+        return;
+    }
+    connect(setting, &StructSetting::valueChanged, this, &SettingsLineEdit::updateView);
+    connect(setting, &StructSetting::enableView, this, &SettingsLineEdit::on_enableView);
+}
+
+StructSetting *SettingsLineEdit::getSetting() const
+{
+    return setting;
+}
+
+void SettingsLineEdit::saveSetting()
+{
+    if (!setting)
+        return;
+    // The text is set again also where the setting stays silent because it held the limited value
+    // already: what was typed must not stay in sight.
+    if (isText(setting)) {
+        setting->setValue(text());
+        setText(setting->getValue());
+    } else if (setting->settingKind == SettingKind::Num) {
+        // Visiting a field changes nothing, also where the number has more digits than are shown.
+        const bool untouched = text() == shownNumber;
+        setting->setValue(untouched ? setting->getNumber() : TypedNumber::value(text()));
+        showNumber();
+    }
+}
+
+void SettingsLineEdit::on_editingFinished()
+{
+    saveSetting();
+}
+
+void SettingsLineEdit::on_enableView(bool on)
+{
+    setEnabled(on);
+}
+
+void SettingsLineEdit::updateView()
+{
+    if (setting && setting->settingKind == SettingKind::Num)
+        showNumber();
+}
+
+void SettingsLineEdit::showNumber()
+{
+    setText(padded(setting->getValue(), HParser::truncatedToInt32(setting->decimals->toDouble())));
+    // What is really shown: a field may be too short for the number.
+    shownNumber = text();
+}
