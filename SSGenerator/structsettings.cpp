@@ -126,28 +126,37 @@ StructSettings *StructSettings::deepCopyWithValues() const
 {
     StructSettings *copy = deepCopy();
     copy->buildFormulaTrees();
+    copy->takeValuesOf(this);
+    return copy;
+}
+
+bool StructSettings::takeValuesOf(const StructSettings *other)
+{
+    const auto places =
+        std::min(originalOrderStructSettings.size(), other->originalOrderStructSettings.size());
     QList<QPair<const StructSetting *, StructSetting *>> pairs;
-    for (const StructSetting *setting : originalOrderStructSettings) {
-        StructSetting *counterpart = copy->getStructSettingByName(setting->name);
-        counterpart->advancedEnabled = true;
-        copyValue(setting, counterpart);
-        pairs.append({setting, counterpart});
+    for (int i = 0; i < places; ++i) {
+        const StructSetting *source = other->originalOrderStructSettings.at(i);
+        StructSetting *setting = originalOrderStructSettings.at(i);
+        if (source->name != setting->name || source->settingKind != setting->settingKind)
+            continue;
+        setting->advancedEnabled = true;
+        pairs.append({source, setting});
     }
-    // A value may have been cut by a limit whose own settings were copied after it. Each further
-    // round brings at least one such value home; one that its own limits forbid never comes.
-    const auto differing = [&pairs] {
+    const auto copyAll = [&pairs] {
+        for (const auto &pair : pairs)
+            copyValue(pair.first, pair.second);
         return std::count_if(pairs.begin(), pairs.end(),
                              [](const auto &pair) { return !sameValue(pair.first, pair.second); });
     };
-    for (auto before = differing(); before > 0;) {
-        for (const auto &pair : pairs)
-            copyValue(pair.first, pair.second);
-        const auto after = differing();
-        if (after >= before)
-            break;
-        before = after;
+    // A value may have been cut by a limit whose own settings were copied after it. Each further
+    // round brings at least one such value home; one that its own limits forbid never comes.
+    auto differing = copyAll();
+    for (auto before = differing + 1; differing > 0 && differing < before;) {
+        before = differing;
+        differing = copyAll();
     }
-    return copy;
+    return differing == 0;
 }
 
 QList<StructSetting *> StructSettings::getDependancyOrderStructSettings() const

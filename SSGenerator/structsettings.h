@@ -54,6 +54,9 @@ public:
     /// A new struct with trees and this one's values, all its settings open for override. The
     /// caller owns it.
     StructSettings *deepCopyWithValues() const;
+    /// Opens the settings for override and gives them the values that other holds at the same place
+    /// under the same name, as far as both reach. False: the limits here forbid one of the values.
+    bool takeValuesOf(const StructSettings *other);
 
     /// Settings without dependees or with dependees before them, then the others.
     QList<StructSetting *> getDependancyOrderStructSettings() const;

@@ -106,6 +106,8 @@ private slots:
     void copiesWithValues();
     void copiesValuesBoundByLaterMembers();
     void copiesValuesThatTheirLimitsForbid();
+    void takesValuesBoundByLaterMembers();
+    void takesOnlyWhatBothHave();
 
     void comparesValues();
     void comparesNameAndKind();
@@ -369,6 +371,56 @@ void TestStructSettings::copiesValuesThatTheirLimitsForbid()
     member(element, "full_V")->setUpperBound(QStringLiteral("34"));
     const Struct copy(element->deepCopyWithValues());
     QCOMPARE(member(copy, "full_V")->getNumber(), 34.0);
+}
+
+void TestStructSettings::takesValuesBoundByLaterMembers()
+{
+    const QStringList lines{number("a", "b*2", "9", "3", "0"), number("b", "c*2", "9", "2", "1"),
+                            number("c", "0", "9", "1", "2"), number("free", "0", "9", "0", "3")};
+    const Struct source = parse(lines);
+    source->buildFormulaTrees();
+    const Struct element = parse(lines);
+    element->buildFormulaTrees();
+    for (StructSetting *setting : element->getOriginalOrderStructSettings())
+        setting->advancedEnabled = true;
+    member(source, "a")->advancedEnabled = true;
+    member(source, "b")->advancedEnabled = true;
+    member(source, "c")->advancedEnabled = true;
+    member(source, "c")->setValue(0.0);
+    member(source, "b")->setValue(0.0);
+    member(source, "a")->setValue(0.0);
+    member(element, "c")->setValue(2.0);
+    QCOMPARE(member(element, "a")->getNumber(), 8.0);
+
+    QVERIFY(element->takeValuesOf(source.get()));
+    QVERIFY(element->compare(source.get()));
+    for (const StructSetting *setting : element->getOriginalOrderStructSettings())
+        QVERIFY(setting->advancedEnabled);
+
+    member(source, "free")->advancedEnabled = true;
+    member(source, "free")->setValue(8.0);
+    member(element, "free")->setUpperBound(QStringLiteral("5"));
+    QVERIFY(!element->takeValuesOf(source.get()));
+    QCOMPARE(member(element, "free")->getNumber(), 5.0);
+}
+
+void TestStructSettings::takesOnlyWhatBothHave()
+{
+    const Struct longer = parse({number("a", "0", "9", "1", "0"), number("b", "0", "9", "1", "1"),
+                                 number("c", "0", "9", "1", "2")});
+    const Struct shorter =
+        parse({number("a", "0", "9", "2", "0"), number("x", "0", "9", "2", "1")});
+    longer->buildFormulaTrees();
+    shorter->buildFormulaTrees();
+    QVERIFY(longer->takeValuesOf(shorter.get()));
+    QCOMPARE(member(longer, "a")->getNumber(), 2.0);
+    QCOMPARE(member(longer, "b")->getNumber(), 1.0);
+    QCOMPARE(member(longer, "c")->getNumber(), 1.0);
+    QVERIFY(!member(longer, "b")->advancedEnabled);
+    member(longer, "a")->setValue(7.0);
+    QVERIFY(shorter->takeValuesOf(longer.get()));
+    QCOMPARE(member(shorter, "a")->getNumber(), 7.0);
+    QCOMPARE(member(shorter, "x")->getNumber(), 2.0);
 }
 
 void TestStructSettings::comparesValues()
