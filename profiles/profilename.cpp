@@ -182,10 +182,20 @@ void ProfileName::restoreBackup()
     if (!backupValues)
         return;
 
+    const bool wasActive = getActiveStatus();
+    const bool wasDefault = getDefaultStatus();
     profileSettings->structSettings->setAdvancedSettingsEdited(advancedSettingsEditedBackup);
     restoreBackupValues();
     // A value whose bound stands behind it in the record was cut by the bound's edited value.
     restoreBackupValues();
+
+    showActive(getActiveStatus());
+    showDefault(getDefaultStatus());
+    // Another row may have become the default one since: the list's owner has to sort that out.
+    if (getActiveStatus() != wasActive)
+        emit activeStatusChangeRequest(this, getActiveStatus());
+    if (getDefaultStatus() != wasDefault)
+        emit defaultStatusChangeRequest(this, getDefaultStatus());
 }
 
 void ProfileName::restoreBackupValues()

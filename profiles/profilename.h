@@ -64,7 +64,8 @@ public:
     bool isEditing() const { return editing; }
     /// Remembers all values and the override state of the profile, for restoreBackup().
     void saveBackups();
-    /// Puts the values and the state last remembered back; does nothing where there are none.
+    /// Puts the values and the state last remembered back; does nothing where there are none. An
+    /// active or default state that this changes is also asked for, as by a click.
     void restoreBackup();
     /// Takes over the edit state and the backup of another row on the same profile.
     void continueEditOf(ProfileName *other);

@@ -58,6 +58,7 @@ private slots:
     void restoresValuesBehindTheirBounds();
     void restoresTheLastBackup();
     void restoreWithoutBackup();
+    void restoredFlagsShowAndAreAskedFor();
 
     void clones();
     void cloneGoesOnWithTheEdit();
@@ -560,6 +561,27 @@ void ProfileNameTest::restoreWithoutBackup()
     member("bulk_I")->setValue(1.0);
     row()->restoreBackup();
     QCOMPARE(member("bulk_I")->getValue(), QStringLiteral("1"));
+}
+
+void ProfileNameTest::restoredFlagsShowAndAreAskedFor()
+{
+    row()->setActive(true);
+    row()->setDefault(true);
+    row()->saveBackups();
+    QSignalSpy actives(row(), &ProfileName::activeStatusChangeRequest);
+    QSignalSpy defaults(row(), &ProfileName::defaultStatusChangeRequest);
+    row()->restoreBackup();
+    QCOMPARE(actives.count() + defaults.count(), 0);
+
+    row()->setActive(false);
+    row()->setDefault(false);
+    row()->restoreBackup();
+    QVERIFY(shows(child<QPushButton>("activeProfileButton"), greenLight));
+    QCOMPARE(child<QPushButton>("defaultProfileButton")->styleSheet(), black);
+    QCOMPARE(actives.count(), 1);
+    QCOMPARE(actives.first().at(1).toBool(), true);
+    QCOMPARE(defaults.count(), 1);
+    QCOMPARE(defaults.first().at(1).toBool(), true);
 }
 
 void ProfileNameTest::clones()

@@ -157,6 +157,8 @@ private slots:
     void deactivatingAnotherRowKeepsTheDefault();
     void defaultMarkMoves();
     void defaultMarkIsTakenBack();
+    void cancelledEditBringsTheDefaultMarkBack();
+    void cancelledEditTakesTheDefaultMarkBack();
     void quickUpdates_data();
     void quickUpdates();
 
@@ -378,6 +380,32 @@ void ProfileNamesListManagerTest::defaultMarkIsTakenBack()
     QCOMPARE(window->states(), texts({"A"}));
     window->import("B", true, true);
     QCOMPARE(window->states(), texts({"A", "AD"}));
+}
+
+void ProfileNamesListManagerTest::cancelledEditBringsTheDefaultMarkBack()
+{
+    window->import("A", true, true);
+    window->import("B", true);
+    window->row(0)->saveBackups();
+    window->press(1, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"A", "AD"}));
+    window->row(0)->restoreBackup();
+    QCOMPARE(window->states(), texts({"AD", "A"}));
+    window->press(1, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"A", "AD"}));
+}
+
+void ProfileNamesListManagerTest::cancelledEditTakesTheDefaultMarkBack()
+{
+    window->import("A");
+    window->row(0)->saveBackups();
+    window->press(0, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"AD"}));
+    window->row(0)->restoreBackup();
+    QCOMPARE(window->states(), texts({""}));
+    // No row counts as the default one any more.
+    window->import("B", true, true);
+    QCOMPARE(window->states(), texts({"", "AD"}));
 }
 
 void ProfileNamesListManagerTest::quickUpdates_data()
