@@ -12,7 +12,7 @@ render() { # drawing, picture
     rsvg-convert --zoom 2 "src/$1" -o "${2%.*}@2x.$extension"
 }
 
-for picture in LEDoff LEDon redLEDon download upload tolk_logo icon_linux; do
+for picture in LEDoff LEDon redLEDon download upload tolk_logo icon_linux velantor; do
     render "$picture.svg" "$picture.png"
 done
 for lamp in greenlight nolight; do

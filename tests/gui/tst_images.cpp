@@ -26,6 +26,7 @@ void ImagesTest::everyPictureHasItsSize_data()
     QTest::newRow("disconnect") << QStringLiteral("redLEDon.png") << toolBarIcon;
     QTest::newRow("read") << QStringLiteral("download.png") << toolBarIcon;
     QTest::newRow("write") << QStringLiteral("upload.png") << toolBarIcon;
+    QTest::newRow("charger") << QStringLiteral("velantor.png") << QSize(52, 33);
     QTest::newRow("maker") << QStringLiteral("tolk_logo.png") << QSize(84, 24);
     QTest::newRow("window") << QStringLiteral("icon_linux.png") << QSize(128, 128);
     QTest::newRow("active profile") << QStringLiteral("greenlight.PNG") << lamp;

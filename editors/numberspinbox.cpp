@@ -1,0 +1,27 @@
+#include "editors/numberspinbox.h"
+
+#include "editors/typednumber.h"
+
+#include <QLocale>
+
+NumberSpinBox::NumberSpinBox(QWidget *parent) : QDoubleSpinBox(parent)
+{
+    setLocale(QLocale::c());
+}
+
+QValidator::State NumberSpinBox::validate(QString &input, int &) const
+{
+    return TypedNumber::state(input);
+}
+
+void NumberSpinBox::fixup(QString &input) const
+{
+    const QString number = TypedNumber::numberIn(input);
+    if (!number.isEmpty())
+        input = number;
+}
+
+double NumberSpinBox::valueFromText(const QString &text) const
+{
+    return TypedNumber::value(text);
+}
