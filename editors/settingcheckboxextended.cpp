@@ -5,6 +5,7 @@
 
 #include <QBitmap>
 #include <QGridLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QSpacerItem>
 #include <QTransform>
@@ -61,9 +62,11 @@ void SettingCheckboxExtended::enableEditing(bool on)
 
 void SettingCheckboxExtended::addFlippingImage(QString path)
 {
-    const QPixmap original(path);
-    if (original.isNull())
+    const QSize size = QPixmap(path).size();
+    if (size.isEmpty())
         return;
+    // An icon knows the picture's twin for dense screens.
+    const QPixmap original = QIcon(path).pixmap(size);
     const double density = original.devicePixelRatio();
     upright = original.scaledToHeight(static_cast<int>(std::lround(pictureHeight * density)),
                                       Qt::SmoothTransformation);

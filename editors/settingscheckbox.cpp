@@ -2,6 +2,8 @@
 
 #include "SSGenerator/structsetting.h"
 
+#include <QPalette>
+
 using HParser::StructSetting;
 
 namespace
@@ -17,6 +19,12 @@ bool isTrue(const StructSetting *setting)
 SettingsCheckBox::SettingsCheckBox(QWidget *parent) : QCheckBox(parent)
 {
     setObjectName(QStringLiteral("SettingsCheckBox"));
+    // Dark desktops draw the box hardly lighter than the window.
+    QPalette colours = palette();
+    colours.setColor(QPalette::Base, Qt::white);
+    colours.setColor(QPalette::Text, Qt::black);
+    colours.setColor(QPalette::Disabled, QPalette::Text, Qt::darkGray);
+    setPalette(colours);
     connect(this, &QCheckBox::clicked, this, &SettingsCheckBox::on_clicked);
 }
 

@@ -4,6 +4,7 @@
 #include "SSGenerator/rounding.h"
 #include "SSGenerator/structsetting.h"
 #include "editors/numberspinbox.h"
+#include "editors/tickedslider.h"
 
 #include <QEvent>
 #include <QFile>
@@ -11,7 +12,6 @@
 #include <QLabel>
 #include <QPalette>
 #include <QScopedValueRollback>
-#include <QSlider>
 
 #include <algorithm>
 #include <cmath>
@@ -109,7 +109,7 @@ void SettingSlider::addSpinBox(double lowest, double highest)
 
 void SettingSlider::addSlider(double lowest, double highest)
 {
-    slider = new QSlider(Qt::Horizontal);
+    slider = new TickedSlider;
     slider->setStyleSheet(sliderStyle());
     slider->setMinimum(steps(lowest * multiplier));
     slider->setMaximum(steps(highest * multiplier));
