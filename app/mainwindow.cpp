@@ -13,6 +13,7 @@
 #include "bundles/hardwaredropdown.h"
 #include "bundles/velantorbundlemanager.h"
 #include "device/uploaddownloadmanager.h"
+#include "editors/settingspanemanager.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
 #include "ui_mainwindow.h"
@@ -130,9 +131,10 @@ void MainWindow::setButtonIcons()
 
 void MainWindow::createManagers()
 {
+    settingsPane = new SettingsPaneManager(ui.get(), generator, this);
     listManager = new ProfileNamesListManager(this, ui->profileNamesList, ui->addProfileButton,
                                               ui->unitSettingsDisplay, ui->profileNameUpButton,
-                                              ui->profileNameDownButton, generator);
+                                              ui->profileNameDownButton, generator, settingsPane);
     importer = new ImportProfiles::ImportProfilesMain(this, generator, this);
     hexManager =
         new HEXGeneratorParser::HEXManager(this, ui->profileNamesList, generator, importer, this);
@@ -305,19 +307,6 @@ void MainWindow::hideWhatIsNotThereYet()
           static_cast<QWidget *>(ui->saveProfilesXML),
           static_cast<QWidget *>(ui->viewDeviceSettings)})
         widget->setEnabled(false);
-    for (QWidget *widget :
-         {static_cast<QWidget *>(ui->profileSettingsName),
-          static_cast<QWidget *>(ui->profileSettingsDescription),
-          static_cast<QWidget *>(ui->editProfileButton),
-          static_cast<QWidget *>(ui->profileActiveButton),
-          static_cast<QWidget *>(ui->profileDefaultButton),
-          static_cast<QWidget *>(ui->profileModifiableButton),
-          static_cast<QWidget *>(ui->containerScroll),
-          static_cast<QWidget *>(ui->cancelChangesButton),
-          static_cast<QWidget *>(ui->saveChangesButton),
-          static_cast<QWidget *>(ui->unitSettingsDisplay),
-          static_cast<QWidget *>(ui->unitSettingsTitle), static_cast<QWidget *>(ui->resetDefaults)})
-        widget->hide();
 }
 
 void MainWindow::reloadBundle()

@@ -7,6 +7,7 @@
 class HardwareDropdown;
 class PaneLayout;
 class ProfileNamesListManager;
+class SettingsPaneManager;
 class VelantorBundleManager;
 class QAction;
 class QLabel;
@@ -99,6 +100,7 @@ private:
     std::unique_ptr<PaneLayout> panes;
     QLabel *modelLabel = nullptr;
     ProfileNamesListManager *listManager = nullptr;
+    SettingsPaneManager *settingsPane = nullptr;
     ImportProfiles::ImportProfilesMain *importer = nullptr;
     HEXGeneratorParser::HEXManager *hexManager = nullptr;
     UploadDownload::UploadDownloadManager *uploadDownload = nullptr;

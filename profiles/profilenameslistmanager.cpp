@@ -4,6 +4,8 @@
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
 #include "app/messagedialogs.h"
+#include "editors/newprofilewizard.h"
+#include "editors/settingspanemanager.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 #include "profiles/profilesettings.h"
@@ -63,8 +65,10 @@ void paintWhite(QListWidget *list)
 ProfileNamesListManager::ProfileNamesListManager(QWidget *parent, QListWidget *list,
                                                  QPushButton *addButton,
                                                  QWidget *unitSettingsDisplay, QPushButton *up,
-                                                 QPushButton *down, HParser::Generator *generator)
+                                                 QPushButton *down, HParser::Generator *generator,
+                                                 SettingsPaneManager *pane)
     : QObject(parent),
+      settingsPane(pane),
       generator(generator),
       parentWidget(parent),
       listWidget(list),
@@ -82,6 +86,8 @@ ProfileNamesListManager::ProfileNamesListManager(QWidget *parent, QListWidget *l
     down->setEnabled(false);
 
     connect(list, &QListWidget::itemClicked, this, &ProfileNamesListManager::on_listWidgetClicked);
+    connect(addButton, &QPushButton::clicked, this,
+            &ProfileNamesListManager::on_createProfileButtonClicked);
     connect(up, &QPushButton::clicked, this, &ProfileNamesListManager::profilePushUp);
     connect(down, &QPushButton::clicked, this, &ProfileNamesListManager::profilePushDown);
 }
@@ -129,6 +135,14 @@ void ProfileNamesListManager::connectProfileNameSignals(ProfileNameListWidget *i
         connect(record->getStructSettingByName(QStringLiteral("description")),
                 &StructSetting::valueChanged, name, &ProfileName::updateDescription);
     }
+}
+
+void ProfileNamesListManager::on_createProfileButtonClicked()
+{
+    // Shows itself, and goes when it is closed.
+    auto *wizard = new NewProfileWizard(generator, parentWidget);
+    connect(wizard, &NewProfileWizard::newProfileMade, this,
+            &ProfileNamesListManager::addNewProfile);
 }
 
 void ProfileNamesListManager::addNewProfile(ProfileSettings *settings)
@@ -231,6 +245,8 @@ void ProfileNamesListManager::moveCurrentProfile(int newRow)
     currentProfile = moved;
     moved->profileName->highlight();
     listWidget->scrollToItem(moved);
+    // The former row dies in the event loop.
+    settingsPane->setCurrentProfile(moved->profileName);
 }
 
 void ProfileNamesListManager::deleteProfileWithConfirmation(ProfileName *name)

@@ -11,6 +11,7 @@ class QListWidget;
 class QListWidgetItem;
 class QPushButton;
 class QWidget;
+class SettingsPaneManager;
 
 namespace HParser
 {
@@ -32,11 +33,12 @@ class ProfileNamesListManager : public QObject
 
 public:
     /// parent is the parent of all dialogs, and of this object. While unitSettingsDisplay is
-    /// visible a click on the row in view brings its profile back. All widgets and the generator
-    /// must outlive this object.
+    /// visible a click on the row in view brings its profile back. The pane hears by signal what to
+    /// show, and directly of a row that takes another one's place. All of them must outlive this
+    /// object.
     ProfileNamesListManager(QWidget *parent, QListWidget *list, QPushButton *addButton,
                             QWidget *unitSettingsDisplay, QPushButton *up, QPushButton *down,
-                            HParser::Generator *generator);
+                            HParser::Generator *generator, SettingsPaneManager *pane);
 
 signals:
     /// Another profile has come into view, or its limits have changed.
@@ -75,6 +77,9 @@ private slots:
     void on_listWidgetClicked(QListWidgetItem *item);
     void on_activeStatusChangeRequest(ProfileName *row, bool active);
     void on_defaultStatusChangeRequest(ProfileName *row, bool makeDefault);
+    /// Opens the wizard.
+    void on_createProfileButtonClicked();
+    /// Appends a profile of the user's and brings it into view.
     void addNewProfile(ProfileSettings *settings);
     void setEnabledMarkingChanges(bool enable);
 
@@ -87,6 +92,7 @@ private:
     void moveCurrentProfile(int newRow);
     void updateQuickSettingsPane();
 
+    SettingsPaneManager *settingsPane;
     HParser::Generator *generator;
     QWidget *parentWidget;
     QListWidget *listWidget;

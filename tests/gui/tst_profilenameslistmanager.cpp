@@ -2,14 +2,19 @@
 #include "SSGenerator/generator.h"
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
+#include "editors/newprofilewizard.h"
+#include "editors/profileedit.h"
+#include "editors/settingspanemanager.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
 #include "support/messageboxanswers.h"
+#include "ui_mainwindow.h"
 
 #include <QLabel>
 #include <QListWidget>
+#include <QMainWindow>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -34,19 +39,33 @@ StructSetting *member(const ProfileSettings *profile, const char *name)
     return profile->structSettings->getStructSettingByName(QLatin1String(name));
 }
 
-/// A window with the list, its buttons and the page of device settings, and their manager.
+/// The main window's form with the list and the settings pane, and their managers. What the list
+/// tells reaches the pane only in the tests that say so.
 struct Window {
     Window()
     {
-        widget.resize(400, 400);
-        list.setGeometry(0, 0, 200, 300);
-        add.setGeometry(210, 0, 80, 30);
-        up.setGeometry(210, 40, 80, 30);
-        down.setGeometry(210, 80, 80, 30);
-        deviceSettings.setGeometry(210, 120, 100, 100);
-        deviceSettings.hide();
-        widget.show();
+        ui.setupUi(&widget);
         generator.parseSSFile(schema("master.ss"));
+        pane = new SettingsPaneManager(&ui, &generator, &widget);
+        manager =
+            new ProfileNamesListManager(&widget, &list(), ui.addProfileButton,
+                                        ui.unitSettingsDisplay, &up(), &down(), &generator, pane);
+        widget.show();
+    }
+    ~Window()
+    {
+        // As the window does: what holds structs of the schema goes first.
+        delete widget.takeCentralWidget();
+    }
+    QListWidget &list() const { return *ui.profileNamesList; }
+    QPushButton &up() const { return *ui.profileNameUpButton; }
+    QPushButton &down() const { return *ui.profileNameDownButton; }
+    void joinPane() const
+    {
+        QObject::connect(manager, &ProfileNamesListManager::settingsPaneUpdateNeeded, pane,
+                         &SettingsPaneManager::updateSettingsPane);
+        QObject::connect(manager, &ProfileNamesListManager::currentProfileDeleted, pane,
+                         &SettingsPaneManager::currentProfileDeleted);
     }
 
     /// A profile that fits the limits of every charger.
@@ -63,17 +82,17 @@ struct Window {
     ProfileSettings *import(const char *title, bool active = false, bool isDefault = false)
     {
         ProfileSettings *made = profile(title);
-        manager.on_profileReadyForImport(made, active, isDefault);
+        manager->on_profileReadyForImport(made, active, isDefault);
         return made;
     }
     void addNew(ProfileSettings *made)
     {
         QVERIFY(
-            QMetaObject::invokeMethod(&manager, "addNewProfile", Q_ARG(ProfileSettings *, made)));
+            QMetaObject::invokeMethod(manager, "addNewProfile", Q_ARG(ProfileSettings *, made)));
     }
     ProfileNameListWidget *item(int row) const
     {
-        return static_cast<ProfileNameListWidget *>(list.item(row));
+        return static_cast<ProfileNameListWidget *>(list().item(row));
     }
     ProfileName *row(int row) const { return item(row)->profileName; }
     void click(int rowIndex) const
@@ -90,7 +109,7 @@ struct Window {
     QStringList titles() const
     {
         QStringList result;
-        for (int i = 0; i < list.count(); ++i)
+        for (int i = 0; i < list().count(); ++i)
             result.append(row(i)->getTitle());
         return result;
     }
@@ -98,7 +117,7 @@ struct Window {
     QStringList states() const
     {
         QStringList result;
-        for (int i = 0; i < list.count(); ++i)
+        for (int i = 0; i < list().count(); ++i)
             result.append(QLatin1String(row(i)->getActiveStatus() ? "A" : "") +
                           QLatin1String(row(i)->getDefaultStatus() ? "D" : ""));
         return result;
@@ -109,13 +128,10 @@ struct Window {
     }
 
     HParser::Generator generator;
-    QWidget widget;
-    QListWidget list{&widget};
-    QPushButton add{&widget};
-    QPushButton up{&widget};
-    QPushButton down{&widget};
-    QWidget deviceSettings{&widget};
-    ProfileNamesListManager manager{&widget, &list, &add, &deviceSettings, &up, &down, &generator};
+    Ui::MainWindow ui;
+    QMainWindow widget;
+    SettingsPaneManager *pane = nullptr;
+    ProfileNamesListManager *manager = nullptr;
 };
 
 ProfileName *rowOf(const QList<QVariant> &arguments)
@@ -144,6 +160,8 @@ private slots:
 
     void preparesTheWidgets();
     void addsNewProfiles();
+    void addButtonOpensTheWizard();
+    void cancelledWizardAddsNothing();
     void importsProfiles();
     void firstImportedDefaultWins();
     void importAfterTheDefaultIsGone();
@@ -171,6 +189,8 @@ private slots:
     void movedRowStopsMarking();
     void movedRowScrollsIntoView();
 
+    void moveTellsThePane();
+
     void asksBeforeDeleting_data();
     void asksBeforeDeleting();
     void asksWithTheMarkedTitle();
@@ -194,6 +214,7 @@ private slots:
     void aFailedWriteKeepsTheMarks();
 
     void newLimitsThatFit();
+    void newLimitsRefreshThePane();
     void newLimitsWithoutCurrentRow();
     void misfitsAreRemoved();
     void misfitsAreKept();
@@ -225,19 +246,19 @@ void ProfileNamesListManagerTest::cleanup()
 
 void ProfileNamesListManagerTest::preparesTheWidgets()
 {
-    QCOMPARE(window->list.selectionMode(), QAbstractItemView::NoSelection);
-    QCOMPARE(window->list.verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
-    QCOMPARE(window->list.styleSheet(),
+    QCOMPARE(window->list().selectionMode(), QAbstractItemView::NoSelection);
+    QCOMPARE(window->list().verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
+    QCOMPARE(window->list().styleSheet(),
              QStringLiteral("QListWidget::item { border-bottom: 1px solid black; }"));
-    QVERIFY(!window->up.isEnabled());
-    QVERIFY(!window->down.isEnabled());
-    QCOMPARE(ProfileNameListWidget::qlistWidget, &window->list);
-    QCOMPARE(window->manager.parent(), &window->widget);
+    QVERIFY(!window->up().isEnabled());
+    QVERIFY(!window->down().isEnabled());
+    QCOMPARE(ProfileNameListWidget::qlistWidget, &window->list());
+    QCOMPARE(window->manager->parent(), &window->widget);
 }
 
 void ProfileNamesListManagerTest::addsNewProfiles()
 {
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     window->import("First");
     window->addNew(window->profile("Second"));
     QCOMPARE(window->titles(), texts({"First", "Second"}));
@@ -246,20 +267,55 @@ void ProfileNamesListManagerTest::addsNewProfiles()
     QCOMPARE(rowOf(shown.last()), window->row(1));
     QVERIFY(window->highlighted(1));
     QVERIFY(!window->highlighted(0));
-    QVERIFY(window->up.isEnabled());
-    QVERIFY(window->down.isEnabled());
+    QVERIFY(window->up().isEnabled());
+    QVERIFY(window->down().isEnabled());
 
     for (int i = 0; i < 10; ++i)
         window->addNew(window->profile("More"));
     QVERIFY(window->highlighted(11));
     QVERIFY(!window->highlighted(1));
-    QVERIFY(window->list.viewport()->rect().contains(
-        window->list.visualItemRect(window->item(11)).center()));
+    QVERIFY(window->list().viewport()->rect().contains(
+        window->list().visualItemRect(window->item(11)).center()));
+}
+
+void ProfileNamesListManagerTest::addButtonOpensTheWizard()
+{
+    window->joinPane();
+    window->import("First");
+    QTest::mouseClick(window->ui.addProfileButton, Qt::LeftButton);
+    const QPointer<NewProfileWizard> wizard = window->widget.findChild<NewProfileWizard *>();
+    QVERIFY(wizard);
+    QVERIFY(wizard->isVisible());
+    for (QPushButton *button : wizard->findChildren<QPushButton *>()) {
+        if (button->text() == QLatin1String("Lead"))
+            button->click();
+    }
+    wizard->findChild<QPushButton *>(QStringLiteral("finishButton"))->click();
+    QTRY_VERIFY(!wizard);
+
+    QCOMPARE(window->titles(), texts({"First", "Lead"}));
+    QCOMPARE(window->row(1)->getProfileSettings()->chemistry, QStringLiteral("Lead"));
+    QVERIFY(window->highlighted(1));
+    QVERIFY(window->ui.containerScroll->isVisible());
+    QCOMPARE(window->ui.profileSettingsName->text(), QStringLiteral("Lead"));
+    QVERIFY(!window->row(1)->isEditing());
+    // A new profile is no change of what was read.
+    QVERIFY(!window->row(1)->getOriginalValues());
+}
+
+void ProfileNamesListManagerTest::cancelledWizardAddsNothing()
+{
+    QTest::mouseClick(window->ui.addProfileButton, Qt::LeftButton);
+    const QPointer<NewProfileWizard> wizard = window->widget.findChild<NewProfileWizard *>();
+    QVERIFY(wizard);
+    wizard->findChild<QPushButton *>(QStringLiteral("cancelButton"))->click();
+    QTRY_VERIFY(!wizard);
+    QCOMPARE(window->list().count(), 0);
 }
 
 void ProfileNamesListManagerTest::importsProfiles()
 {
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     window->import("On", true);
     window->import("Off", false);
     QCOMPARE(window->titles(), texts({"On", "Off"}));
@@ -272,7 +328,7 @@ void ProfileNamesListManagerTest::importsProfiles()
              QStringLiteral("true"));
     QCOMPARE(shown.count(), 0);
     QVERIFY(!window->highlighted(0));
-    QVERIFY(!window->up.isEnabled());
+    QVERIFY(!window->up().isEnabled());
 }
 
 void ProfileNamesListManagerTest::firstImportedDefaultWins()
@@ -286,7 +342,7 @@ void ProfileNamesListManagerTest::firstImportedDefaultWins()
 void ProfileNamesListManagerTest::importAfterTheDefaultIsGone()
 {
     window->import("First", true, true);
-    window->manager.deleteProfile(window->item(0));
+    window->manager->deleteProfile(window->item(0));
     window->import("Second", true, true);
     QCOMPARE(window->states(), texts({"AD"}));
 }
@@ -295,13 +351,13 @@ void ProfileNamesListManagerTest::selectsByClick()
 {
     window->import("A");
     window->import("B");
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     window->click(1);
     QCOMPARE(shown.count(), 1);
     QCOMPARE(rowOf(shown.last()), window->row(1));
     QVERIFY(window->highlighted(1));
-    QVERIFY(window->up.isEnabled());
-    QVERIFY(window->down.isEnabled());
+    QVERIFY(window->up().isEnabled());
+    QVERIFY(window->down().isEnabled());
 
     window->click(0);
     QCOMPARE(shown.count(), 2);
@@ -314,7 +370,7 @@ void ProfileNamesListManagerTest::secondClickDoesNothing()
 {
     window->import("A");
     window->click(0);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     window->click(0);
     QCOMPARE(shown.count(), 0);
     QVERIFY(window->highlighted(0));
@@ -324,8 +380,8 @@ void ProfileNamesListManagerTest::secondClickLeavesDeviceSettings()
 {
     window->import("A");
     window->click(0);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
-    window->deviceSettings.show();
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    window->ui.unitSettingsDisplay->show();
     window->click(0);
     QCOMPARE(shown.count(), 1);
     QCOMPARE(rowOf(shown.last()), window->row(0));
@@ -427,8 +483,8 @@ void ProfileNamesListManagerTest::quickUpdates()
     QFETCH(int, updates);
     window->import("Changed", state, state);
     window->import("In view");
-    QSignalSpy quick(&window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
-    QSignalSpy full(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy quick(window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
+    QSignalSpy full(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     window->press(0, button);
     QCOMPARE(quick.count(), 0);
 
@@ -449,12 +505,12 @@ void ProfileNamesListManagerTest::movesRows()
     window->import("B");
     window->import("C");
     window->click(0);
-    QTest::mouseClick(&window->down, Qt::LeftButton);
+    QTest::mouseClick(&window->down(), Qt::LeftButton);
     QCOMPARE(window->titles(), texts({"B", "A", "C"}));
-    QTest::mouseClick(&window->down, Qt::LeftButton);
+    QTest::mouseClick(&window->down(), Qt::LeftButton);
     QCOMPARE(window->titles(), texts({"B", "C", "A"}));
-    QTest::mouseClick(&window->up, Qt::LeftButton);
-    QTest::mouseClick(&window->up, Qt::LeftButton);
+    QTest::mouseClick(&window->up(), Qt::LeftButton);
+    QTest::mouseClick(&window->up(), Qt::LeftButton);
     QCOMPARE(window->titles(), texts({"A", "B", "C"}));
     QVERIFY(window->highlighted(0));
 }
@@ -465,27 +521,27 @@ void ProfileNamesListManagerTest::movesNothingAtTheEnds()
     window->import("B");
     window->click(0);
     const QListWidgetItem *first = window->item(0);
-    window->manager.profilePushUp();
-    QCOMPARE(window->list.item(0), first);
+    window->manager->profilePushUp();
+    QCOMPARE(window->list().item(0), first);
     window->click(1);
     const QListWidgetItem *last = window->item(1);
-    window->manager.profilePushDown();
-    QCOMPARE(window->list.item(1), last);
+    window->manager->profilePushDown();
+    QCOMPARE(window->list().item(1), last);
     QCOMPARE(window->titles(), texts({"A", "B"}));
 }
 
 void ProfileNamesListManagerTest::movesNothingWithoutCurrentRow()
 {
-    window->manager.profilePushUp();
-    window->manager.profilePushDown();
+    window->manager->profilePushUp();
+    window->manager->profilePushDown();
     window->import("A");
     window->import("B");
     window->import("C");
     window->click(1);
-    window->manager.deleteProfile(window->item(1));
-    QVERIFY(window->up.isEnabled());
-    window->manager.profilePushUp();
-    window->manager.profilePushDown();
+    window->manager->deleteProfile(window->item(1));
+    QVERIFY(window->up().isEnabled());
+    window->manager->profilePushUp();
+    window->manager->profilePushDown();
     QCOMPARE(window->titles(), texts({"A", "C"}));
 }
 
@@ -494,7 +550,7 @@ void ProfileNamesListManagerTest::movedDefaultStaysDefault()
     window->import("A", true, true);
     window->import("B", true);
     window->click(0);
-    window->manager.profilePushDown();
+    window->manager->profilePushDown();
     QCOMPARE(window->titles(), texts({"B", "A"}));
     QCOMPARE(window->states(), texts({"A", "AD"}));
     // The mark can still be taken from it, and its new row shows that.
@@ -510,7 +566,7 @@ void ProfileNamesListManagerTest::movedDefaultCanBeDeactivated()
     window->import("A", true, true);
     window->import("B", true);
     window->click(0);
-    window->manager.profilePushDown();
+    window->manager->profilePushDown();
     window->press(1, "activeProfileButton");
     QCOMPARE(window->states(), texts({"A", ""}));
     // No default is left, so that one which is imported gets the mark.
@@ -523,10 +579,10 @@ void ProfileNamesListManagerTest::movedRowStaysCurrentAndConnected()
     ProfileSettings *moved = window->import("A");
     window->import("B");
     window->click(0);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
-    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(window->manager, &ProfileNamesListManager::currentProfileDeleted);
     const QPointer<ProfileName> old = window->row(0);
-    window->manager.profilePushDown();
+    window->manager->profilePushDown();
     QTRY_VERIFY(!old);
     QCOMPARE(shown.count(), 0);
     QCOMPARE(deleted.count(), 0);
@@ -538,18 +594,18 @@ void ProfileNamesListManagerTest::movedRowStaysCurrentAndConnected()
     QCOMPARE(window->titles(), texts({"B", "Renamed"}));
     window->press(1, "activeProfileButton");
     QCOMPARE(window->states(), texts({"", "A"}));
-    window->manager.deleteProfile(window->item(1));
+    window->manager->deleteProfile(window->item(1));
     QCOMPARE(deleted.count(), 1);
 }
 
 void ProfileNamesListManagerTest::movedRowStopsMarking()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     ProfileSettings *moved = window->import("A");
     window->import("B");
     member(moved, "bulk_I")->setValue(1.0);
     window->click(0);
-    window->manager.profilePushDown();
+    window->manager->profilePushDown();
     QCOMPARE(window->titles(), texts({"B", "A**"}));
     member(moved, "bulk_I")->setValue(2.0);
     QCOMPARE(window->titles(), texts({"B", "A"}));
@@ -561,10 +617,32 @@ void ProfileNamesListManagerTest::movedRowScrollsIntoView()
         window->import("A");
     window->click(0);
     for (int i = 0; i < 16; ++i)
-        window->manager.profilePushDown();
+        window->manager->profilePushDown();
     QVERIFY(window->highlighted(16));
-    QVERIFY(window->list.viewport()->rect().contains(
-        window->list.visualItemRect(window->item(16)).center()));
+    QVERIFY(window->list().viewport()->rect().contains(
+        window->list().visualItemRect(window->item(16)).center()));
+}
+
+void ProfileNamesListManagerTest::moveTellsThePane()
+{
+    window->joinPane();
+    ProfileSettings *moved = window->import("A");
+    window->import("B");
+    window->click(0);
+    window->pane->on_editButtonClicked(true);
+    member(moved, "bulk_I")->setValue(1.0);
+    const QPointer<ProfileName> old = window->row(0);
+    const QWidget *shown = window->ui.containerScroll->widget();
+    window->manager->profilePushDown();
+    // At once: the former row goes with the event loop.
+    window->pane->activateMeClicked(true);
+    window->pane->updateButtonSettings();
+    QCOMPARE(window->states(), texts({"", "A"}));
+    QTRY_VERIFY(!old);
+    QCOMPARE(window->ui.containerScroll->widget(), shown);
+    window->pane->on_cancelButtonClicked();
+    QCOMPARE(member(moved, "bulk_I")->getValue(), QStringLiteral("4"));
+    QVERIFY(!window->row(1)->isEditing());
 }
 
 void ProfileNamesListManagerTest::asksBeforeDeleting_data()
@@ -594,13 +672,13 @@ void ProfileNamesListManagerTest::asksBeforeDeleting()
     QCOMPARE(box.title, QStringLiteral("Deleting Profile"));
     QCOMPARE(box.text, QStringLiteral("Do you really want to remove the profile <b>\"Go\"</b>?"));
     QCOMPARE(box.buttons.size(), 2);
-    QCOMPARE(window->list.count(), left);
+    QCOMPARE(window->list().count(), left);
     QCOMPARE(window->row(0)->getTitle(), QStringLiteral("Keep"));
 }
 
 void ProfileNamesListManagerTest::asksWithTheMarkedTitle()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     ProfileSettings *profile = window->import("Go");
     member(profile, "bulk_I")->setValue(1.0);
     answers->push(QMessageBox::No);
@@ -615,11 +693,11 @@ void ProfileNamesListManagerTest::rowThatWentWhileAsking()
     window->import("Keep");
     const QPointer<ProfileName> name = window->row(0);
     answers->push([&](QMessageBox *box) {
-        window->manager.deleteProfile(window->item(0));
+        window->manager->deleteProfile(window->item(0));
         QTRY_VERIFY(!name);
         box->button(QMessageBox::Yes)->click();
     });
-    window->manager.deleteProfileWithConfirmation(name);
+    window->manager->deleteProfileWithConfirmation(name);
     QCOMPARE(window->titles(), texts({"Keep"}));
 }
 
@@ -628,20 +706,20 @@ void ProfileNamesListManagerTest::deletesCurrentRow()
     window->import("A");
     window->import("B");
     window->click(1);
-    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
-    QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
+    QSignalSpy deleted(window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy empty(window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
     const QPointer<ProfileName> name = window->row(1);
     // Whoever hears of it finds no row in view any more.
-    QSignalSpy quick(&window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
-    connect(&window->manager, &ProfileNamesListManager::currentProfileDeleted, this,
+    QSignalSpy quick(window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded);
+    connect(window->manager, &ProfileNamesListManager::currentProfileDeleted, this,
             [this] { window->press(0, "activeProfileButton"); });
-    window->manager.deleteProfile(window->item(1));
+    window->manager->deleteProfile(window->item(1));
     QCOMPARE(window->titles(), texts({"A"}));
     QCOMPARE(window->states(), texts({"A"}));
     QCOMPARE(quick.count(), 0);
     QCOMPARE(deleted.count(), 1);
     QCOMPARE(empty.count(), 0);
-    QVERIFY(window->up.isEnabled());
+    QVERIFY(window->up().isEnabled());
     QTRY_VERIFY(!name);
 
     // The former row in view is forgotten.
@@ -656,8 +734,8 @@ void ProfileNamesListManagerTest::deletesAnotherRow()
     window->import("A");
     window->import("B");
     window->click(1);
-    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
-    window->manager.deleteProfile(window->item(0));
+    QSignalSpy deleted(window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    window->manager->deleteProfile(window->item(0));
     QCOMPARE(deleted.count(), 0);
     QVERIFY(window->highlighted(0));
 }
@@ -667,21 +745,21 @@ void ProfileNamesListManagerTest::deletesTheLastRow()
     window->import("A");
     window->click(0);
     QStringList order;
-    connect(&window->manager, &ProfileNamesListManager::currentProfileDeleted,
+    connect(window->manager, &ProfileNamesListManager::currentProfileDeleted,
             [&] { order.append(QStringLiteral("current")); });
-    connect(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft,
+    connect(window->manager, &ProfileNamesListManager::noMoreProfilesLeft,
             [&] { order.append(QStringLiteral("empty")); });
-    window->manager.deleteProfile(window->item(0));
+    window->manager->deleteProfile(window->item(0));
     QCOMPARE(order, texts({"current", "empty"}));
-    QVERIFY(!window->up.isEnabled());
-    QVERIFY(!window->down.isEnabled());
+    QVERIFY(!window->up().isEnabled());
+    QVERIFY(!window->down().isEnabled());
 }
 
 void ProfileNamesListManagerTest::deletesTheDefaultRow()
 {
     window->import("A", true, true);
     window->import("B", true);
-    window->manager.deleteProfile(window->item(0));
+    window->manager->deleteProfile(window->item(0));
     QCOMPARE(window->states(), texts({"A"}));
     window->press(0, "defaultProfileButton");
     QCOMPARE(window->states(), texts({"AD"}));
@@ -692,22 +770,22 @@ void ProfileNamesListManagerTest::deletesOnlyOnce()
     window->import("A");
     window->import("B");
     ProfileNameListWidget *item = window->item(0);
-    window->manager.deleteProfile(item);
-    window->manager.deleteProfile(item);
-    window->manager.deleteProfile(nullptr);
+    window->manager->deleteProfile(item);
+    window->manager->deleteProfile(item);
+    window->manager->deleteProfile(nullptr);
     QCOMPARE(window->titles(), texts({"B"}));
 }
 
 void ProfileNamesListManagerTest::deletesAll()
 {
-    QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
-    window->manager.deleteAllProfilesNoConfirmation();
+    QSignalSpy empty(window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
+    window->manager->deleteAllProfilesNoConfirmation();
     QCOMPARE(empty.count(), 0);
     window->import("A");
     window->import("B", true, true);
     window->import("C");
-    window->manager.deleteAllProfilesNoConfirmation();
-    QCOMPARE(window->list.count(), 0);
+    window->manager->deleteAllProfilesNoConfirmation();
+    QCOMPARE(window->list().count(), 0);
     QCOMPARE(empty.count(), 1);
     QVERIFY(answers->seen().isEmpty());
 }
@@ -732,11 +810,11 @@ void ProfileNamesListManagerTest::asksBeforeDeletingAll()
         window->import("A");
     if (questions > 0)
         answers->push(yes ? QMessageBox::Yes : QMessageBox::No);
-    QCOMPARE(window->manager.deleteAllProfilesAskConfirmation(), yes && questions > 0);
+    QCOMPARE(window->manager->deleteAllProfilesAskConfirmation(), yes && questions > 0);
     QCOMPARE(answers->seen().size(), questions);
     if (questions > 0)
         QCOMPARE(answers->seen().first().title, QStringLiteral("Delete All Profiles?"));
-    QTEST(window->list.count(), "left");
+    QTEST(window->list().count(), "left");
 }
 
 void ProfileNamesListManagerTest::rowsAreReadableWhateverTheDesktopsColours()
@@ -751,12 +829,12 @@ void ProfileNamesListManagerTest::rowsAreReadableWhateverTheDesktopsColours()
     // Of three rows one was never in view, one was and one is.
     window->import("C");
     QCoreApplication::processEvents();
-    const QImage list = window->list.grab().toImage();
+    const QImage list = window->list().grab().toImage();
     QApplication::setPalette(before);
 
     const QList<QColor> backgrounds{Qt::white, QColor(200, 200, 200), Qt::white};
     for (int row = 0; row < 3; ++row) {
-        const QPoint corner = window->row(row)->mapTo(&window->list, QPoint(0, 0));
+        const QPoint corner = window->row(row)->mapTo(&window->list(), QPoint(0, 0));
         QCOMPARE(list.pixelColor(corner + QPoint(180, 3)), backgrounds.at(row));
         for (const char *name : {"profileTitle", "profileSubtitle"}) {
             const auto *label = window->row(row)->findChild<QLabel *>(QLatin1String(name));
@@ -773,7 +851,7 @@ void ProfileNamesListManagerTest::rowsAreReadableWhateverTheDesktopsColours()
 
 void ProfileNamesListManagerTest::rowsOfAChargerMarkChanges()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     ProfileSettings *profile = window->import("A", true);
     QCOMPARE(window->titles(), texts({"A"}));
     member(profile, "bulk_I")->setValue(1.0);
@@ -792,7 +870,7 @@ void ProfileNamesListManagerTest::rowsOfAChargerMarkChanges()
 
 void ProfileNamesListManagerTest::importedDefaultIsNoChange()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     window->import("A", true, true);
     window->import("B", true, true);
     QCOMPARE(window->titles(), texts({"A", "B"}));
@@ -815,10 +893,10 @@ void ProfileNamesListManagerTest::otherRowsFollowTheirTexts()
 
 void ProfileNamesListManagerTest::disablingEndsTheMarking()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     ProfileSettings *profile = window->import("A");
     member(profile, "bulk_I")->setValue(1.0);
-    window->manager.disableMarkingChanges();
+    window->manager->disableMarkingChanges();
     QCOMPARE(window->titles(), texts({"A"}));
     QVERIFY(!window->row(0)->getOriginalValues());
     member(profile, "bulk_I")->setValue(2.0);
@@ -832,7 +910,7 @@ void ProfileNamesListManagerTest::disablingEndsTheMarking()
 void ProfileNamesListManagerTest::enablingTouchesNoRow()
 {
     ProfileSettings *before = window->import("A");
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     member(before, "bulk_I")->setValue(1.0);
     QCOMPARE(window->titles(), texts({"A"}));
     QVERIFY(window->row(0)->getOriginalValues());
@@ -840,11 +918,11 @@ void ProfileNamesListManagerTest::enablingTouchesNoRow()
 
 void ProfileNamesListManagerTest::aWriteClearsTheMarks()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     ProfileSettings *profile = window->import("A");
     window->import("B");
     member(profile, "bulk_I")->setValue(1.0);
-    window->manager.profilesWrittenToVelantor(true);
+    window->manager->profilesWrittenToVelantor(true);
     QCOMPARE(window->titles(), texts({"A", "B"}));
     // The values to compare with stay those of the last read.
     member(profile, "bulk_I")->setValue(2.0);
@@ -855,9 +933,9 @@ void ProfileNamesListManagerTest::aWriteClearsTheMarks()
 
 void ProfileNamesListManagerTest::aFailedWriteKeepsTheMarks()
 {
-    window->manager.enableMarkingChanges();
+    window->manager->enableMarkingChanges();
     member(window->import("A"), "bulk_I")->setValue(1.0);
-    window->manager.profilesWrittenToVelantor(false);
+    window->manager->profilesWrittenToVelantor(false);
     QCOMPARE(window->titles(), texts({"A**"}));
 }
 
@@ -866,10 +944,10 @@ void ProfileNamesListManagerTest::newLimitsThatFit()
     ProfileSettings *first = window->import("A");
     ProfileSettings *second = window->import("B");
     window->click(1);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     const HParser::StructSettings *record = first->structSettings;
     window->generator.parseSSFile(schema("24V_rev7.ss"));
-    window->manager.deleteAllOutOfBoundsProfiles();
+    window->manager->deleteAllOutOfBoundsProfiles();
 
     QVERIFY(answers->seen().isEmpty());
     QCOMPARE(window->titles(), texts({"A", "B"}));
@@ -885,12 +963,39 @@ void ProfileNamesListManagerTest::newLimitsThatFit()
     QCOMPARE(member(first, "full_V")->getValue(), QStringLiteral("34"));
 }
 
+void ProfileNamesListManagerTest::newLimitsRefreshThePane()
+{
+    window->joinPane();
+    ProfileSettings *tooHigh = window->import("High");
+    member(tooHigh, "full_V")->setValue(42.0);
+    window->import("Fits");
+    window->click(1);
+    const QPointer<QWidget> before = window->ui.containerScroll->widget();
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    answers->push(QMessageBox::Yes);
+    window->manager->deleteAllOutOfBoundsProfiles();
+    QVERIFY(!before);
+    QVERIFY(window->ui.containerScroll->isVisible());
+    QCOMPARE(window->ui.profileSettingsName->text(), QStringLiteral("Fits"));
+
+    // Back under the former limits, the row in view is one that the narrow ones forbid.
+    window->generator.parseSSFile(schema("master.ss"));
+    window->manager->deleteAllOutOfBoundsProfiles();
+    member(window->row(0)->getProfileSettings(), "full_V")->setValue(42.0);
+    window->generator.parseSSFile(schema("24V_rev7.ss"));
+    answers->push(QMessageBox::Yes);
+    window->manager->deleteAllOutOfBoundsProfiles();
+    QCOMPARE(window->list().count(), 0);
+    QVERIFY(!window->ui.containerScroll->isVisible());
+    QVERIFY(!window->pane->getEditMode());
+}
+
 void ProfileNamesListManagerTest::newLimitsWithoutCurrentRow()
 {
     window->import("A");
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
-    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
-    window->manager.deleteAllOutOfBoundsProfiles();
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    window->manager->deleteAllOutOfBoundsProfiles();
     QCOMPARE(shown.count(), 0);
     QCOMPARE(deleted.count(), 1);
 }
@@ -902,14 +1007,14 @@ void ProfileNamesListManagerTest::misfitsAreRemoved()
     window->import("Fits");
     ProfileSettings *nickel = window->profile("Nickel pack", "Nickel");
     member(nickel, "description")->setValue(QStringLiteral("36 V"));
-    window->manager.on_profileReadyForImport(nickel, true, true);
+    window->manager->on_profileReadyForImport(nickel, true, true);
     window->click(1);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
-    QSignalSpy reverted(&window->manager, &ProfileNamesListManager::revertHardwareLimits);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy reverted(window->manager, &ProfileNamesListManager::revertHardwareLimits);
 
     window->generator.parseSSFile(schema("24V_rev7.ss"));
     answers->push(QMessageBox::Yes);
-    window->manager.deleteAllOutOfBoundsProfiles();
+    window->manager->deleteAllOutOfBoundsProfiles();
     QCOMPARE(answers->seen().size(), 1);
     QCOMPARE(answers->seen().first().text,
              QStringLiteral("The following profiles aren't compatible with the 24V Velantor's "
@@ -933,13 +1038,13 @@ void ProfileNamesListManagerTest::misfitsAreKept()
     member(tooHigh, "full_V")->setValue(42.0);
     ProfileSettings *fits = window->import("Fits");
     window->click(0);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
-    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
-    QSignalSpy reverted(&window->manager, &ProfileNamesListManager::revertHardwareLimits);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy reverted(window->manager, &ProfileNamesListManager::revertHardwareLimits);
 
     window->generator.parseSSFile(schema("24V_rev7.ss"));
     answers->push(QMessageBox::No);
-    window->manager.deleteAllOutOfBoundsProfiles();
+    window->manager->deleteAllOutOfBoundsProfiles();
     QCOMPARE(reverted.count(), 1);
     QCOMPARE(shown.count(), 0);
     QCOMPARE(deleted.count(), 0);
@@ -954,13 +1059,13 @@ void ProfileNamesListManagerTest::currentMisfitIsRemoved()
     ProfileSettings *tooHigh = window->import("High");
     member(tooHigh, "full_V")->setValue(42.0);
     window->click(0);
-    QSignalSpy deleted(&window->manager, &ProfileNamesListManager::currentProfileDeleted);
-    QSignalSpy empty(&window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
-    QSignalSpy shown(&window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    QSignalSpy deleted(window->manager, &ProfileNamesListManager::currentProfileDeleted);
+    QSignalSpy empty(window->manager, &ProfileNamesListManager::noMoreProfilesLeft);
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
     window->generator.parseSSFile(schema("24V_rev7.ss"));
     answers->push(QMessageBox::Yes);
-    window->manager.deleteAllOutOfBoundsProfiles();
-    QCOMPARE(window->list.count(), 0);
+    window->manager->deleteAllOutOfBoundsProfiles();
+    QCOMPARE(window->list().count(), 0);
     // Once for the row itself, once because no row is left to show.
     QCOMPARE(deleted.count(), 2);
     QCOMPARE(empty.count(), 1);
@@ -975,11 +1080,11 @@ void ProfileNamesListManagerTest::rowsThatWentWhileAskingAboutMisfits()
     const QPointer<ProfileName> name = window->row(0);
     window->generator.parseSSFile(schema("24V_rev7.ss"));
     answers->push([&](QMessageBox *box) {
-        window->manager.deleteProfile(window->item(0));
+        window->manager->deleteProfile(window->item(0));
         QTRY_VERIFY(!name);
         box->button(QMessageBox::Yes)->click();
     });
-    window->manager.deleteAllOutOfBoundsProfiles();
+    window->manager->deleteAllOutOfBoundsProfiles();
     QCOMPARE(window->titles(), texts({"Fits"}));
 }
 
