@@ -39,6 +39,7 @@ private slots:
     void isEditableBeforeAnyCharger();
     void opensSilently();
     void tellsEveryChange();
+    void tellsBeforeItShows();
     void defaultsAtDefaultsChangeNothing();
     void loadsDefaults();
     void hiddenMembersKeepTheirValues();
@@ -217,6 +218,17 @@ void UnitSettingsDisplayTest::tellsEveryChange()
     member("splashscreen_time_decis")->advancedEnabled = true;
     member("splashscreen_time_decis")->setValue(5.0);
     QCOMPARE(changes.count(), expected);
+}
+
+void UnitSettingsDisplayTest::tellsBeforeItShows()
+{
+    const auto *spinBox = row(0)->findChild<QDoubleSpinBox *>();
+    double shown = 0;
+    connect(page.get(), &UnitSettingsDisplay::settingChanged, this,
+            [&] { shown = spinBox->value(); });
+    member("brightness")->setValue(7.0);
+    QCOMPARE(shown, 5.0);
+    QCOMPARE(spinBox->value(), 7.0);
 }
 
 void UnitSettingsDisplayTest::defaultsAtDefaultsChangeNothing()
