@@ -13,7 +13,9 @@
 #include "bundles/hardwaredropdown.h"
 #include "bundles/velantorbundlemanager.h"
 #include "device/uploaddownloadmanager.h"
+#include "editors/displayunitstats.h"
 #include "editors/settingspanemanager.h"
+#include "profiles/profilename.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
 #include "ui_mainwindow.h"
@@ -151,6 +153,8 @@ void MainWindow::connectManagers()
     using List = ProfileNamesListManager;
     using UploadDownload::UploadDownloadManager;
 
+    connect(this, &MainWindow::disconnectVelantor, settingsPane,
+            &SettingsPaneManager::disconnectSettingsChanges);
     connect(this, &MainWindow::disconnectVelantor, listManager, &List::disableMarkingChanges);
     connect(this, &MainWindow::resetVelantorSignal, uploadDownload,
             &UploadDownloadManager::on_disconnectButtonPressed);
@@ -164,6 +168,18 @@ void MainWindow::connectManagers()
             &HardwareDropdown::disable);
     connect(generator, &Generator::masterSSFileLoaded, hardwareDropdown, &HardwareDropdown::enable);
 
+    connect(settingsPane, &SettingsPaneManager::resize, this, &MainWindow::resizeMainWindow);
+    connect(settingsPane, &SettingsPaneManager::saveUnitSettings, importer,
+            &ImportProfilesMain::sendProfilesToUploader);
+
+    connect(listManager, &List::settingsPaneUpdateNeeded, settingsPane,
+            &SettingsPaneManager::updateSettingsPane);
+    connect(listManager, &List::quickSettingsPaneUpdateNeeded, settingsPane,
+            &SettingsPaneManager::quickUpdateSettingsPane);
+    connect(listManager, &List::noMoreProfilesLeft, settingsPane,
+            &SettingsPaneManager::on_profilesListEmpty);
+    connect(listManager, &List::currentProfileDeleted, settingsPane,
+            &SettingsPaneManager::currentProfileDeleted);
     connect(listManager, &List::revertHardwareLimits, hardwareDropdown,
             &HardwareDropdown::revertLimits);
 
@@ -188,12 +204,17 @@ void MainWindow::connectManagers()
             &MainWindow::velantorConnected);
     connect(uploadDownload, &UploadDownloadManager::settingsRead, this,
             &MainWindow::velantorConnected);
+    connect(uploadDownload, &UploadDownloadManager::settingsRead, settingsPane,
+            &SettingsPaneManager::saveUnitSettingsBackup);
     connect(uploadDownload, &UploadDownloadManager::settingsRead, listManager,
             &List::enableMarkingChanges);
     connect(uploadDownload, &UploadDownloadManager::unitSettingsWrite, this,
             &MainWindow::velantorConnected);
     connect(uploadDownload, &UploadDownloadManager::unitSettingsRead, this,
             &MainWindow::unitSettingsRead);
+    // A read is told before its import: only here are the device settings those of the charger.
+    connect(uploadDownload, &UploadDownloadManager::unitSettingsRead, settingsPane,
+            &SettingsPaneManager::saveUnitSettingsBackup);
 
     connect(hardwareDropdown, &HardwareDropdown::newLimits, listManager,
             &List::deleteAllOutOfBoundsProfiles);
@@ -272,18 +293,27 @@ void MainWindow::connectActions()
     connect(ui->actionImportXML, &QAction::triggered, this,
             &MainWindow::on_importFromXMLButtonClicked);
     connect(ui->viewDeviceSettings, &QPushButton::clicked, this, &MainWindow::resizeMainWindow);
+    connect(ui->viewDeviceSettings, &QPushButton::clicked, settingsPane,
+            &SettingsPaneManager::on_viewDeviceSettingsClicked);
     for (QAction *action : {ui->actionConnectToVel, connectAction})
         connect(action, &QAction::triggered, this, &MainWindow::onConnect);
     for (QAction *action : {ui->actionDisconnectAndRestart, disconnectAction})
         connect(action, &QAction::triggered, this, &MainWindow::onDisconnectAndReset);
     connect(ui->actionHelp_2, &QAction::triggered, this, &MainWindow::on_actionHelp);
     connect(ui->actionAbout, &QAction::triggered, this, &MainWindow::on_actionAbout);
+    connect(ui->actionAboutDevice, &QAction::triggered, this, &MainWindow::on_actionAboutDevice);
     connect(ui->actionExit, &QAction::triggered, this, &MainWindow::on_actionExit);
     connect(ui->actionImportHEX, &QAction::triggered, hexManager,
             &HEXGeneratorParser::HEXManager::on_importFromHEXButtonClicked);
-    for (QAction *action : {ui->actionWriteProfiles, saveDataAction})
+    // The entry of the menu shows the page; only the button hides it again.
+    connect(ui->actionEditGlobalSettings, &QAction::triggered, settingsPane,
+            [this] { settingsPane->on_viewDeviceSettingsClicked(true); });
+    for (QAction *action : {ui->actionWriteProfiles, saveDataAction}) {
+        connect(action, &QAction::triggered, settingsPane,
+                &SettingsPaneManager::unitSettingsUISaved);
         connect(action, &QAction::triggered, uploadDownload,
                 &UploadDownloadManager::on_writeButtonPressed);
+    }
     for (QAction *action : {ui->actionReadProfiles, readDataAction})
         connect(action, &QAction::triggered, uploadDownload,
                 &UploadDownloadManager::on_readButtonPressed);
@@ -293,19 +323,16 @@ void MainWindow::connectActions()
             &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
 }
 
-/// Editors, profile files, firmware tool and updates have their places in the form but no manager
-/// yet: what would lead to them is out of reach.
+/// Profile files, firmware tool and updates have their places in the form but no manager yet: what
+/// would lead to them is out of reach.
 void MainWindow::hideWhatIsNotThereYet()
 {
     for (QAction *action :
          {ui->actionExportXMLProfiles, ui->actionExportXMLProfilesAndSettings, ui->actionImportXML,
-          ui->actionEditGlobalSettings, ui->actionFlashFirmware, ui->actionCheckNewFirmware,
-          ui->actionCheckNewSoftware, ui->actionChangeAutoUpdates})
+          ui->actionFlashFirmware, ui->actionCheckNewFirmware, ui->actionCheckNewSoftware,
+          ui->actionChangeAutoUpdates})
         action->setEnabled(false);
-    for (QWidget *widget :
-         {static_cast<QWidget *>(ui->addProfileButton), static_cast<QWidget *>(ui->openProfilesXML),
-          static_cast<QWidget *>(ui->saveProfilesXML),
-          static_cast<QWidget *>(ui->viewDeviceSettings)})
+    for (QWidget *widget : {ui->openProfilesXML, ui->saveProfilesXML})
         widget->setEnabled(false);
 }
 
@@ -327,6 +354,15 @@ void MainWindow::on_actionAbout()
     MessageDialogs::aboutVelantorProfileEditor(this);
 }
 
+void MainWindow::on_actionAboutDevice()
+{
+    auto *stats = new DisplayUnitStats(generator, this);
+    // The figures may stand beside the profiles that made them.
+    stats->setWindowModality(Qt::NonModal);
+    stats->setWindowTitle(tr("Device Stats"));
+    stats->show();
+}
+
 void MainWindow::on_actionExit()
 {
     QCoreApplication::quit();
@@ -340,7 +376,8 @@ void MainWindow::velantorConnected(bool connected)
 
     for (QAction *action :
          {ui->actionExportHEX, ui->actionImportHEX, ui->actionDisconnectAndRestart,
-          ui->actionWriteProfiles, ui->actionReadProfiles, saveDataAction, readDataAction})
+          ui->actionWriteProfiles, ui->actionReadProfiles, ui->actionAboutDevice, saveDataAction,
+          readDataAction})
         action->setEnabled(connected);
 
     connectAction->setEnabled(!connected);

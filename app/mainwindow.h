@@ -64,6 +64,8 @@ public slots:
 
     void on_actionHelp();
     void on_actionAbout();
+    /// Shows the charger's lifetime statistics in a window of their own; a new one per call.
+    void on_actionAboutDevice();
     void on_actionExit();
 
     void velantorConnected(bool connected);

@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
@@ -99,6 +100,14 @@ private slots:
     void unpackedFilesStandInTheWorkingDirectory();
     void degreeSignsSurviveTheBundle();
     void whatIsNotThereYetIsOutOfReach();
+    void thePaneIsEmptyAtFirst();
+    void theDeviceButtonShowsAndHidesThePage();
+    void rowsComeIntoThePane();
+    void cancelComesBackToWhatWasRead();
+    void editsCountAsSavedBeforeAWriteBegins_data();
+    void editsCountAsSavedBeforeAWriteBegins();
+    void aFallenLinkUnhooksThePane();
+    void statisticsOpenAnewEachTime();
     void theManagerCanEmptyTheList();
     void rowsBehindADisconnectAreMarked();
     void startsWithTheSchemasOwnLimits();
@@ -108,6 +117,12 @@ private slots:
 
 private:
     void addRow();
+    /// Connects and opens the page, as a read of a charger of this brightness does.
+    void showSettingsOfACharger(double brightness);
+    HParser::StructSetting *deviceSetting(const char *name) const
+    {
+        return generator()->getUnitSettingsStruct()->getStructSettingByName(QLatin1String(name));
+    }
 
     QAction *action(const char *name) const
     {
@@ -504,7 +519,8 @@ void MainWindowTest::connectedTurnsTheToolBar()
     QCOMPARE(action("connectAction")->toolTip(), QStringLiteral("Connected!"));
     for (const char *name :
          {"disconnectAction", "readDataAction", "saveDataAction", "actionDisconnectAndRestart",
-          "actionWriteProfiles", "actionReadProfiles", "actionExportHEX", "actionImportHEX"})
+          "actionWriteProfiles", "actionReadProfiles", "actionExportHEX", "actionImportHEX",
+          "actionAboutDevice"})
         QVERIFY2(action(name)->isEnabled(), name);
     QCOMPARE(disconnected.count(), 0);
 
@@ -747,20 +763,142 @@ void MainWindowTest::degreeSignsSurviveTheBundle()
 void MainWindowTest::whatIsNotThereYetIsOutOfReach()
 {
     emit manager()->settingsRead(true);
-    for (const char *name :
-         {"actionExportXMLProfiles", "actionExportXMLProfilesAndSettings", "actionImportXML",
-          "actionEditGlobalSettings", "actionFlashFirmware", "actionCheckNewFirmware",
-          "actionCheckNewSoftware", "actionChangeAutoUpdates", "actionAboutDevice"})
+    for (const char *name : {"actionExportXMLProfiles", "actionExportXMLProfilesAndSettings",
+                             "actionImportXML", "actionFlashFirmware", "actionCheckNewFirmware",
+                             "actionCheckNewSoftware", "actionChangeAutoUpdates"})
         QVERIFY2(!action(name)->isEnabled(), name);
-    for (const char *name :
-         {"addProfileButton", "openProfilesXML", "saveProfilesXML", "viewDeviceSettings"})
+    for (const char *name : {"openProfilesXML", "saveProfilesXML"})
         QVERIFY2(!window->findChild<QWidget *>(name)->isEnabled(), name);
+}
+
+void MainWindowTest::thePaneIsEmptyAtFirst()
+{
     for (const char *name :
          {"profileSettingsName", "profileSettingsDescription", "editProfileButton",
           "profileActiveButton", "profileDefaultButton", "profileModifiableButton",
           "containerScroll", "cancelChangesButton", "saveChangesButton", "unitSettingsDisplay",
           "unitSettingsTitle", "resetDefaults"})
         QVERIFY2(!window->findChild<QWidget *>(name)->isVisible(), name);
+    for (const char *name : {"addProfileButton", "viewDeviceSettings"})
+        QVERIFY2(window->findChild<QWidget *>(name)->isEnabled(), name);
+}
+
+void MainWindowTest::theDeviceButtonShowsAndHidesThePage()
+{
+    auto *button = window->findChild<QAbstractButton *>("viewDeviceSettings");
+    auto *page = window->findChild<QWidget *>("unitSettingsDisplay");
+    auto *defaults = window->findChild<QWidget *>("resetDefaults");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY(page->isVisible());
+    QCOMPARE(defaults->y(), window->findChild<QWidget *>("settingsList")->y() + 4);
+    QVERIFY(defaults->geometry().bottom() < page->y());
+    window->resize(1000, 600);
+    QTRY_COMPARE(defaults->geometry().right(),
+                 window->findChild<QWidget *>("cancelChangesButton")->geometry().right());
+    QTest::mouseClick(button, Qt::LeftButton);
+    QVERIFY(!page->isVisible());
+    // The entry of the menu only ever shows it.
+    action("actionEditGlobalSettings")->trigger();
+    action("actionEditGlobalSettings")->trigger();
+    QVERIFY(page->isVisible());
+    QVERIFY(button->isChecked());
+}
+
+void MainWindowTest::rowsComeIntoThePane()
+{
+    addRow();
+    addRow();
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    auto *scroll = window->findChild<QWidget *>("containerScroll");
+    auto *active = window->findChild<QAbstractButton *>("profileActiveButton");
+    QVERIFY(!scroll->isVisible());
+    emit list->itemClicked(list->item(0));
+    QVERIFY(scroll->isVisible());
+    QVERIFY(active->isChecked());
+    auto *row = window->findChild<ProfileName *>();
+    row->findChild<QAbstractButton *>("activeProfileButton")->click();
+    QVERIFY(!active->isChecked());
+
+    MessageBoxAnswers answers;
+    answers.push(QMessageBox::Yes);
+    row->findChild<QAbstractButton *>("deleteProfileButton")->click();
+    QVERIFY(!scroll->isVisible());
+    emit list->itemClicked(list->item(0));
+    QVERIFY(scroll->isVisible());
+    answers.push(QMessageBox::Yes);
+    action("actionDeleteAllProfiles")->trigger();
+    QVERIFY(!scroll->isVisible());
+}
+
+void MainWindowTest::showSettingsOfACharger(double brightness)
+{
+    emit manager()->settingsRead(true);
+    deviceSetting("brightness")->advancedEnabled = true;
+    deviceSetting("brightness")->setValue(brightness);
+    emit manager()->unitSettingsRead(true);
+    window->findChild<QAbstractButton *>("viewDeviceSettings")->click();
+}
+
+void MainWindowTest::cancelComesBackToWhatWasRead()
+{
+    // A read is told before its values are there.
+    showSettingsOfACharger(7.0);
+    deviceSetting("brightness")->setValue(3.0);
+    window->findChild<QAbstractButton *>("cancelChangesButton")->click();
+    QCOMPARE(deviceSetting("brightness")->getValue(), QStringLiteral("7"));
+}
+
+void MainWindowTest::editsCountAsSavedBeforeAWriteBegins_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("menu") << QByteArray("actionWriteProfiles");
+    QTest::newRow("tool bar") << QByteArray("saveDataAction");
+}
+
+void MainWindowTest::editsCountAsSavedBeforeAWriteBegins()
+{
+    QFETCH(QByteArray, name);
+    showSettingsOfACharger(7.0);
+    deviceSetting("brightness")->setValue(3.0);
+    auto *button = window->findChild<QAbstractButton *>("viewDeviceSettings");
+    QCOMPARE(button->text(), QStringLiteral("View Device Settings*"));
+    // The write begins by refusing more profiles than a charger holds.
+    for (int row = 0; row < 18; ++row)
+        addRow();
+    MessageBoxAnswers answers;
+    QString whenItBegins;
+    answers.push([&](QMessageBox *box) {
+        whenItBegins = button->text();
+        box->close();
+    });
+    action(name.constData())->trigger();
+    QCOMPARE(answers.titles(), QStringList({"Upload profiles status"}));
+    QCOMPARE(whenItBegins, QStringLiteral("View Device Settings"));
+}
+
+void MainWindowTest::aFallenLinkUnhooksThePane()
+{
+    showSettingsOfACharger(7.0);
+    auto *save = window->findChild<QWidget *>("saveChangesButton");
+    QVERIFY(save->isEnabled());
+    window->velantorConnected(false);
+    QVERIFY(!save->isEnabled());
+}
+
+void MainWindowTest::statisticsOpenAnewEachTime()
+{
+    emit manager()->settingsRead(true);
+    action("actionAboutDevice")->trigger();
+    action("actionAboutDevice")->trigger();
+    const QList<QDialog *> dialogs = window->findChildren<QDialog *>("DisplayUnitStats");
+    QCOMPARE(dialogs.size(), 2);
+    for (QDialog *dialog : dialogs) {
+        QCOMPARE(dialog->windowTitle(), QStringLiteral("Device Stats"));
+        QVERIFY(dialog->isVisible());
+        QVERIFY(!dialog->isModal());
+        dialog->close();
+    }
+    QTRY_VERIFY(window->findChildren<QDialog *>("DisplayUnitStats").isEmpty());
 }
 
 void MainWindowTest::addRow()
