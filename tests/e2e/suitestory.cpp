@@ -4,10 +4,16 @@
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLineEdit>
 #include <QProcess>
 #include <QTest>
 
@@ -146,6 +152,11 @@ bool SuiteStory::readData()
 bool SuiteStory::saveData()
 {
     action("saveDataAction")->trigger();
+    return endSaving();
+}
+
+bool SuiteStory::endSaving()
+{
     const auto mayBeClosed = [] {
         QDialog *front = dialog();
         if (!front)
@@ -193,6 +204,103 @@ void SuiteStory::select(int index)
     QTest::mouseClick(row(index), Qt::LeftButton, {}, QPoint(20, place.height() / 2));
 }
 
+QWidget *SuiteStory::front() const
+{
+    QWidget *dialogInFront = dialog();
+    return dialogInFront ? dialogInFront : window.get();
+}
+
+void SuiteStory::bringToFront() const
+{
+    // Off screen nobody activates the window when a dialog before it has gone.
+    QApplication::setActiveWindow(front());
+    if (!front()->isActiveWindow())
+        qFatal("the window stays in the background");
+}
+
+void SuiteStory::press(const char *button) const
+{
+    bringToFront();
+    auto *found = widget<QAbstractButton>(button);
+    if (!found) {
+        const auto buttons = front()->findChildren<QAbstractButton *>();
+        for (QAbstractButton *candidate : buttons) {
+            if (candidate->isVisible() && candidate->text() == QLatin1String(button))
+                found = candidate;
+        }
+    }
+    if (!found || !found->isVisible() || !found->isEnabled())
+        qFatal("%s cannot be pressed", button);
+    QTest::mouseClick(found, Qt::LeftButton);
+}
+
+QWidget *SuiteStory::field(const char *name) const
+{
+    const auto widgets = front()->findChildren<QWidget *>();
+    for (QWidget *candidate : widgets) {
+        const bool isField = qobject_cast<QLineEdit *>(candidate) ||
+                             qobject_cast<QAbstractSpinBox *>(candidate) ||
+                             qobject_cast<QCheckBox *>(candidate);
+        if (isField && candidate->isVisible() && candidate->accessibleName() == QLatin1String(name))
+            return candidate;
+    }
+    return nullptr;
+}
+
+QString SuiteStory::shown(const char *name) const
+{
+    const QWidget *found = field(name);
+    if (const auto *line = qobject_cast<const QLineEdit *>(found))
+        return line->text();
+    if (const auto *spin = qobject_cast<const QAbstractSpinBox *>(found))
+        return spin->text();
+    if (const auto *box = qobject_cast<const QCheckBox *>(found))
+        return box->isChecked() ? QStringLiteral("on") : QStringLiteral("off");
+    return QStringLiteral("no field ") + QLatin1String(name);
+}
+
+void SuiteStory::type(const char *name, const QString &text) const
+{
+    bringToFront();
+    QWidget *found = field(name);
+    if (!found || !found->isEnabled())
+        qFatal("nothing can be typed into %s", name);
+    QTest::mouseClick(found, Qt::LeftButton, {}, QPoint(8, found->height() / 2));
+    if (!found->hasFocus())
+        qFatal("%s does not take the focus", name);
+    QTest::keyClick(found, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(found, text);
+}
+
+void SuiteStory::enter(const char *name, const QString &text) const
+{
+    type(name, text);
+    QTest::keyClick(field(name), Qt::Key_Tab);
+}
+
+void SuiteStory::choose(const QString &modelName) const
+{
+    bringToFront();
+    QTest::mouseClick(model(), Qt::LeftButton);
+    if (!QTest::qWaitFor([this] { return model()->view()->isVisible(); }, PATIENCE))
+        qFatal("the list of models does not open");
+    QTest::keyClick(model()->view(), Qt::Key_Home);
+    for (int i = 0; i < model()->findText(modelName); ++i)
+        QTest::keyClick(model()->view(), Qt::Key_Down);
+    QTest::keyClick(model()->view(), Qt::Key_Return);
+    if (!QTest::qWaitFor([this] { return !model()->view()->isVisible(); }, PATIENCE))
+        qFatal("the list of models stays open");
+}
+
+void SuiteStory::tick(const char *name) const
+{
+    bringToFront();
+    QWidget *found = field(name);
+    if (!found || !found->isEnabled())
+        qFatal("%s cannot be ticked", name);
+    QTest::mouseClick(found, Qt::LeftButton, {}, QPoint(8, found->height() / 2));
+}
+
 QByteArray SuiteStory::workingFile(const QString &name)
 {
     QFile file(name);
@@ -209,4 +317,32 @@ QString SuiteStory::pageOnCharger()
                  {QStringLiteral(VELANTOR_SOURCE_DIR "/tests/support/flashpage.py"), image});
     reader.waitForFinished();
     return QString::fromUtf8(reader.readAll());
+}
+
+QJsonObject SuiteStory::onCharger(const char *element)
+{
+    QJsonObject latest;
+    const QJsonArray elements = QJsonDocument::fromJson(pageOnCharger().toUtf8()).array();
+    for (const QJsonValue &value : elements) {
+        if (value[QStringLiteral("element")].toString() == QLatin1String(element))
+            latest = value.toObject();
+    }
+    return latest;
+}
+
+QList<QJsonObject> SuiteStory::profilesOnCharger()
+{
+    QMap<int, QJsonObject> latest;
+    const QJsonArray elements = QJsonDocument::fromJson(pageOnCharger().toUtf8()).array();
+    for (const QJsonValue &value : elements) {
+        const QJsonObject element = value.toObject();
+        if (element.contains(QStringLiteral("title")))
+            latest[element[QStringLiteral("profile_id")].toInt()] = element;
+    }
+    QList<QJsonObject> kept;
+    for (const QJsonObject &profile : qAsConst(latest)) {
+        if (!profile[QStringLiteral("scheduled_for_deletion")].toBool())
+            kept.append(profile);
+    }
+    return kept;
 }

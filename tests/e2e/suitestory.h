@@ -6,7 +6,10 @@
 #include "support/simulatorprocess.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QDialog>
+#include <QJsonObject>
+#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QString>
@@ -61,6 +64,8 @@ public:
     bool readData();
     /// "Save Data", and "OK" in its dialog at the end; true when no dialog is left.
     bool saveData();
+    /// The end of a write that was begun otherwise, "OK" included; true when no dialog is left.
+    bool endSaving();
     bool disconnectCharger();
 
     QListWidget *list() const;
@@ -69,16 +74,46 @@ public:
     QStringList titles() const;
     void select(int index);
 
+    /// The widget of this name in the dialog in front, or else in the window.
+    template <class Widget = QWidget> Widget *widget(const char *name) const
+    {
+        return front()->findChild<Widget *>(QLatin1String(name));
+    }
+    /// What is in front of the user: a dialog, or else the window.
+    QWidget *front() const;
+    /// Clicks the button of this object name, or else of this text.
+    void press(const char *button) const;
+    /// The field in sight that is called so, or null.
+    QWidget *field(const char *name) const;
+    /// What a field shows: a number or a text; "on" or "off" of a check box.
+    QString shown(const char *field) const;
+    /// Puts a text into the place of all that a field holds, and stays in the field.
+    void type(const char *field, const QString &text) const;
+    /// The same, and goes on to the next field.
+    void enter(const char *field, const QString &text) const;
+    /// The choice of the charger's model.
+    QComboBox *model() const { return window->findChild<QComboBox *>("hardwareDropdown"); }
+    /// Picks a model from its list; returns when all questions about it are answered.
+    void choose(const QString &modelName) const;
+    /// Turns a check box over.
+    void tick(const char *field) const;
+
     /// A file of the working directory; empty where there is none.
     static QByteArray workingFile(const QString &name);
     /// What the reader that shares nothing with the suite makes of the charger's page: JSON, or the
     /// text of its complaint.
     QString pageOnCharger();
+    /// The profiles on the charger that count, in their order there.
+    QList<QJsonObject> profilesOnCharger();
+    /// The element of this name on the charger that counts.
+    QJsonObject onCharger(const char *element);
 
     MessageBoxAnswers boxes;
 
 private:
     bool waitForDialogsToEnd();
+    /// Keys go where the user's would.
+    void bringToFront() const;
 
     QTemporaryDir home;
     std::unique_ptr<SimulatorProcess> simulated;
