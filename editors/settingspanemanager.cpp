@@ -327,9 +327,8 @@ void SettingsPaneManager::displayUnitSettings()
         setPointSize(ui->unitSettingsTitle, 16);
         setBold(ui->unitSettingsTitle);
     }
-    HParser::StructSettings *settings = generator->getUnitSettingsStruct();
-    shownStruct = settings;
-    unitSettings = new UnitSettingsDisplay(settings, generator, ui->unitSettingsDisplay);
+    unitSettings = new UnitSettingsDisplay(generator->getUnitSettingsStruct(), generator,
+                                           ui->unitSettingsDisplay);
     ui->unitSettingsDisplay->setWidget(unitSettings); // the former one goes, with its connections
     ui->unitSettingsDisplay->setFrameShape(QFrame::NoFrame);
     connect(ui->resetDefaults, &QPushButton::clicked, unitSettings,
@@ -356,10 +355,11 @@ void SettingsPaneManager::refreshUnitSettings()
     ui->unitSettingsDisplay->verticalScrollBar()->setValue(position);
 }
 
-/// Another schema was read. A page on its predecessor would edit what nobody reads any more.
+/// A schema was read, and with it came a new struct. A page on the former one would edit what
+/// nobody reads any more.
 void SettingsPaneManager::followNewStruct()
 {
-    if (showingUnitSettings && shownStruct != generator->getUnitSettingsStruct())
+    if (showingUnitSettings)
         refreshUnitSettings();
 }
 

@@ -101,7 +101,5 @@ private:
     bool unitSettingsSaved = false;
     bool unitSettingsAvailable = false;
     UnitSettingsDisplay *unitSettings = nullptr;
-    /// What the page in existence edits; never looked into, since a later schema replaces it.
-    const HParser::StructSettings *shownStruct = nullptr;
     std::unique_ptr<HParser::StructSettings> unitSettingsBackup;
 };

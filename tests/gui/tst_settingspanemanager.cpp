@@ -188,6 +188,8 @@ private slots:
     void cancelTakesEverythingBack();
     void cancelDropsWhatWasTyped();
     void cancelWithoutTouchingAnything();
+    void cancelBringsTheOverrideBack_data();
+    void cancelBringsTheOverrideBack();
     void cancelBringsActiveAndDefaultBack();
     void checkBoxesAsk_data();
     void checkBoxesAsk();
@@ -477,6 +479,39 @@ void SettingsPaneManagerTest::cancelWithoutTouchingAnything()
     desk->press(desk->ui.cancelChangesButton);
     QVERIFY(profile->structSettings->compare(before.get()));
     QCOMPARE(desk->inView(), profileView);
+}
+
+void SettingsPaneManagerTest::cancelBringsTheOverrideBack_data()
+{
+    QTest::addColumn<bool>("overridden");
+    QTest::addColumn<QString>("startCurrent");
+    QTest::newRow("switched off in the edit") << true << QStringLiteral("1.7");
+    QTest::newRow("switched on in the edit") << false << QStringLiteral("0.2");
+}
+
+void SettingsPaneManagerTest::cancelBringsTheOverrideBack()
+{
+    QFETCH(bool, overridden);
+    QFETCH(QString, startCurrent);
+    ProfileSettings *profile = desk->import("Commuter");
+    if (overridden) {
+        profile->structSettings->setAdvancedSettingsEdited(true);
+        member(profile, "start_I")->advancedEnabled = true;
+        member(profile, "start_I")->setValue(1.7);
+    }
+    desk->select(0);
+    desk->press(desk->ui.editProfileButton);
+    auto *button = desk->profileEdit()->findChild<QPushButton *>(QStringLiteral("editAdvanced"));
+    QCOMPARE(button->isChecked(), overridden);
+    desk->press(button);
+    if (!overridden)
+        member(profile, "start_I")->setValue(1.1);
+    QVERIFY(member(profile, "start_I")->getValue() != startCurrent);
+    desk->press(desk->ui.cancelChangesButton);
+    QCOMPARE(button->isChecked(), overridden);
+    QCOMPARE(profile->structSettings->getAdvancedSettingsEdited(), overridden);
+    QCOMPARE(member(profile, "start_I")->getValue(), startCurrent);
+    QVERIFY(!desk->field("Start Current")->isEnabled());
 }
 
 void SettingsPaneManagerTest::cancelBringsActiveAndDefaultBack()
@@ -1324,6 +1359,9 @@ void SettingsPaneManagerTest::tabsAsTheEyeGoes()
     QCOMPARE(device.mid(0, 2), QStringList({"resetDefaults", "Device settings"}));
     QCOMPARE(device.mid(device.size() - 1), QStringList({"cancelChangesButton"}));
     QVERIFY(device.size() > 8);
+
+    desk->press(desk->ui.viewDeviceSettings);
+    QCOMPARE(tabsFrom(desk->ui.profileSettingsName, QStringLiteral("Full Voltage")), profile);
 }
 
 void SettingsPaneManagerTest::fieldsHaveNames()
