@@ -102,17 +102,32 @@ ProfileStats *createStats(const Properties &properties, HParser::Generator *gene
     return stats;
 }
 
+/// Whether a setting took the number of this text as it is. What lies beyond a limit is taken as
+/// the limit, and that may be what the setting held before: then it does not tell.
+bool holdsNumber(const StructSetting *setting, const QString &text)
+{
+    const double wanted = text.toDouble();
+    const double fitting = setting->getValueInBounds(wanted);
+    return wanted == fitting || wanted == setting->getRoundedValue(fitting);
+}
+
 /// Gives a profile the values of a record. False: one of them does not fit the schema in force.
 bool takeValues(StructSettings *profile, const Properties &properties)
 {
     bool compatible = true;
+    const QList<StructSetting *> shown = profile->getStructSettings();
     // Limits may name other members, so those come first.
     for (StructSetting *setting : profile->getDependancyOrderStructSettings()) {
         setting->advancedEnabled = true;
         const QString value = properties.value(setting->xmlName);
         const bool mayBeEmpty = setting->name == QLatin1String("title") ||
                                 setting->name == QLatin1String("description");
-        if ((!value.isEmpty() || mayBeEmpty) && !setValueFromText(setting, value))
+        if (value.isEmpty() && !mayBeEmpty)
+            continue;
+        if (!setValueFromText(setting, value))
+            compatible = false;
+        else if (setting->settingKind == SettingKind::Num && shown.contains(setting) &&
+                 !holdsNumber(setting, value))
             compatible = false;
     }
     return compatible;
@@ -229,7 +244,9 @@ ImportProfilesMain::createProfileSettings(const QList<ParsedFSElement *> &profil
 
     QList<ProfileSettings *> result;
     QStringList incompatible;
+    int done = 0;
     for (const ParsedFSElement *element : profiles) {
+        emit profilesBuilt(done++, profiles.size());
         const Properties properties = element->getProperties();
         const QString name = properties.value(nameKey);
         // Other structs lack what every profile has.
@@ -252,6 +269,7 @@ ImportProfilesMain::createProfileSettings(const QList<ParsedFSElement *> &profil
     }
     for (ProfileStats *one : qAsConst(unmatchedStats))
         destroy(one);
+    emit profilesBuilt(done, profiles.size());
 
     if (!incompatible.isEmpty())
         MessageDialogs::incompatibleProfilesNotImported(

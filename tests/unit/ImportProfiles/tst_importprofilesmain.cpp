@@ -158,6 +158,7 @@ private slots:
     void boundsDependOnOtherMembers();
     void bounds_data();
     void bounds();
+    void limitThatCutsTheDefaultIsNoLessALimit();
     void incompatibleProfilesAreNamed();
     void unknownStructsAreDropped();
     void advancedSettings_data();
@@ -519,6 +520,19 @@ void ImportProfilesMainTest::bounds()
     properties.insert(q("bulk_current"), current);
     QCOMPARE(build(elements({properties})).size(), fits ? 1 : 0);
     QCOMPARE(boxes.seen().size(), fits ? 0 : 1);
+}
+
+void ImportProfilesMainTest::limitThatCutsTheDefaultIsNoLessALimit()
+{
+    // 42 V by default, 34 V at most: a new profile holds what 42 is cut to.
+    load("24V_rev7.ss");
+    MessageBoxAnswers boxes;
+    const auto profiles =
+        build(elements({with(lithium, {{"title", "Too much"}, {"full_voltage", "42"}}),
+                        with(lithium, {{"title", "Good"}, {"full_voltage", "34"}})}));
+    QCOMPARE(profiles.size(), 1);
+    QCOMPARE(valueOf(profiles.first(), "title"), q("Good"));
+    QCOMPARE(boxes.titles(), QStringList{q("Incompatible Profiles")});
 }
 
 void ImportProfilesMainTest::incompatibleProfilesAreNamed()
