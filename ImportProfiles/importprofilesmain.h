@@ -68,6 +68,8 @@ public slots:
 signals:
     void profileReadyForImport(ProfileSettings *profile, bool active, bool defaultProfile);
     void profilesLastImported(QList<ProfileSettings *> profiles);
+    /// So many of count profiles have been built; the last one before a box says what was left out.
+    void profilesBuilt(int done, int count);
 
 private:
     QWidget *parent;
