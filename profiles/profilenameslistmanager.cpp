@@ -283,6 +283,9 @@ void ProfileNamesListManager::deleteProfile(ProfileNameListWidget *item)
 void ProfileNamesListManager::deleteAllProfilesNoConfirmation()
 {
     const int rows = listWidget->count();
+    // With all widgets in it the list would look at each of them for every row that goes.
+    for (int i = 0; i < rows; ++i)
+        listWidget->removeItemWidget(itemAt(i));
     for (int i = 0; i < rows; ++i)
         deleteProfile(itemAt(0));
 }
