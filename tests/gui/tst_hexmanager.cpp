@@ -12,13 +12,12 @@
 #include "profiles/profilesettings.h"
 #include "profiles/profilestats.h"
 #include "support/capturedoutput.h"
+#include "support/filedialoganswer.h"
 #include "support/flashpage.h"
 #include "support/messageboxanswers.h"
 #include "support/workingdirectory.h"
 
 #include <QApplication>
-#include <QFileDialog>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTimer>
@@ -67,46 +66,6 @@ FlashPage chargerPage(int version = 2, int hardware = 4, const char *barcode = "
         .add(profile(9, "second"))
         .add(profile(5, "first"));
 }
-
-/// Stands in for the user in front of the next file dialog: notes how it looks and chooses.
-class FileDialogAnswer : public QObject
-{
-public:
-    /// An empty name cancels.
-    explicit FileDialogAnswer(const QString &file) : file(file)
-    {
-        QTimer::singleShot(0, this, [this] { answer(); });
-    }
-
-    QString title;
-    QStringList filters;
-    QString folder;
-    bool saving = false;
-    bool asked = false;
-
-private:
-    void answer()
-    {
-        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-        if (!dialog) {
-            QTimer::singleShot(1, this, [this] { answer(); });
-            return;
-        }
-        asked = true;
-        title = dialog->windowTitle();
-        filters = dialog->nameFilters();
-        folder = dialog->directory().absolutePath();
-        saving = dialog->acceptMode() == QFileDialog::AcceptSave;
-        if (file.isEmpty()) {
-            dialog->reject();
-            return;
-        }
-        dialog->findChild<QLineEdit *>(q("fileNameEdit"))->setText(file);
-        QMetaObject::invokeMethod(dialog, "accept");
-    }
-
-    QString file;
-};
 } // namespace
 
 Q_DECLARE_METATYPE(FlashPage)
