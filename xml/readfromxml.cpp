@@ -76,8 +76,10 @@ void ReadFromXML::readProfiles(QIODevice *device)
     LenientUtf8 text(device);
     QXmlStreamReader reader(LenientUtf8::isMeantFor(device) ? &text : device);
     readFirstElement(&reader);
+    const bool rootFound = reader.isStartElement();
     profiles = parseProfiles(&reader);
     sortProfilesByID();
+    profileFile = rootFound && (!profiles.isEmpty() || unitSettings || !reader.hasError());
 
     tellProgress();
     source = nullptr;

@@ -36,6 +36,9 @@ public:
     /// The same from a device that is open.
     void readProfiles(QIODevice *device);
 
+    /// Whether the file was a list of profiles, even an empty one: not a file of which nothing
+    /// could be made out.
+    bool isProfileFile() const { return profileFile; }
     /// The charger's own settings; null where the file has none.
     ImportProfiles::ParsedFSElement *getUnitSettings() const { return unitSettings; }
     /// The profiles by their place in the file.
@@ -65,6 +68,7 @@ private:
 
     QList<ImportProfiles::ParsedFSElement *> profiles;
     ImportProfiles::ParsedFSElement *unitSettings = nullptr;
+    bool profileFile = false;
     /// What is being read, or null.
     QIODevice *source = nullptr;
     /// How many elements are open.
