@@ -43,6 +43,10 @@ void UnitSettingsDisplay::inflateGrid()
     const QList<StructSetting *> visible = settings->getStructSettings();
     const QMap<QString, QString> tooltips = generator->getTooltips().value(tooltipType);
     auto *layout = new QVBoxLayout(sliderTests);
+    // The room for a setting goes to the setting: a short window would cut the preview's heading.
+    layout->setContentsMargins(layout->contentsMargins().left(), 0,
+                               layout->contentsMargins().right(), 0);
+    layout->setSpacing(0);
     setMinimumHeight(heightOfASetting * visible.size());
     sliderTests->setMinimumHeight(heightOfASetting * visible.size());
     for (StructSetting *setting : visible) {

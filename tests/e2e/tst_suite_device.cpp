@@ -1,6 +1,8 @@
+#include "app/look.h"
 #include "profiles/profilename.h"
 #include "suitestory.h"
 
+#include <QApplication>
 #include <QPointer>
 #include <QTest>
 #include <QToolBar>
@@ -15,6 +17,7 @@ private slots:
     void cleanup();
 
     void thePageShowsTheCharger();
+    void theSmallestWindowCutsNothing();
     void changesAreStarredAndTakenBack();
     void savedSettingsReachTheCharger();
     void defaultsAreLoaded();
@@ -87,6 +90,22 @@ void SuiteDeviceTest::thePageShowsTheCharger()
     story->press("viewDeviceSettings");
     QVERIFY(!story->widget("unitSettingsDisplay")->isVisible());
     QVERIFY(!story->widget("resetDefaults")->isVisible());
+}
+
+void SuiteDeviceTest::theSmallestWindowCutsNothing()
+{
+    setSuiteLook();
+    QVERIFY(story->connectCharger());
+    story->press("viewDeviceSettings");
+    story->mainWindow()->resize(700, 350);
+    QCoreApplication::processEvents();
+    const auto parts = story->widget("UnitSettingsDisplay")->findChildren<QWidget *>();
+    for (const QWidget *part : parts) {
+        if (part->isVisible())
+            QVERIFY2(part->height() >= part->minimumSizeHint().height(),
+                     qPrintable(part->metaObject()->className() + part->accessibleName()));
+    }
+    qApp->setStyleSheet(QString());
 }
 
 void SuiteDeviceTest::changesAreStarredAndTakenBack()
