@@ -17,9 +17,22 @@ sys.dont_write_bytecode = True  # nothing is left in the source tree
 import virtualdesk  # noqa: E402
 from virtualdesk import Desk, MainWindow, Stuck, ending_cleanly, flashpage  # noqa: E402
 
-GUIDE = ("start", "connect", "connected", "changed", "write", "other-charger", "failed")
+GUIDE = (
+    *("start", "connect", "connected", "changed"),
+    *("profile", "editing", "override", "wizard", "wizard-lithium", "model"),
+    *("device", "device-changed", "stats"),
+    *("write", "other-charger", "failed"),
+)
 # A window that shows all rows, and not more emptiness than needed.
 COMPACT = (707, 480)
+# The size that the window has at first: a profile fits without scrolling.
+FIRST = (707, 730)
+
+
+# Places in the pane: from its middle, and from the upper edge of what is below the tool bar.
+FIRST_FIELD = (-60, 126)
+BRIGHTNESS = (-205, 124)
+ROTATE = (-215, 216)
 
 
 class Album:
@@ -57,6 +70,11 @@ def play(desk, album):
     suite.wait_for_rows("the rows come", lambda rows: len(rows) == 6)
     album.take("connected", suite.window)
 
+    suite.window.resize(*FIRST)
+    edit(desk, album, suite)
+    make_new(desk, album, suite)
+    look_at_device(desk, album, suite)
+    suite.window.resize(*COMPACT)
     change(desk, album, suite)
     write(desk, album, suite, charger)
     read(desk, album, suite, charger)
@@ -83,6 +101,82 @@ def close_box(desk, album, name, title):
     album.take(name, desk.wait_for_window(title))
     desk.key("Escape")
     desk.wait_until_closed(title)
+
+
+def edit(desk, album, suite):
+    suite.select(0)
+    album.take("profile", suite.window)
+    suite.edit()
+    suite.type_in_page(*FIRST_FIELD, "36")
+    album.take("editing", suite.window)
+    suite.override_defaults()
+    album.take("override", suite.window)
+    suite.cancel()
+    for name, row in (("nickel", 4), ("lead", 5)):
+        suite.select(row)
+        album.take("profile-" + name, suite.window)
+        suite.edit()
+        album.take("editing-" + name, suite.window)
+        suite.override_defaults()
+        album.take("override-" + name, suite.window)
+        suite.cancel()
+    suite.select(1)
+    album.take("profile-overridden", suite.window)
+    look_small(album, suite, "profile")
+
+
+def look_small(album, suite, name):
+    for width, height in ((700, 350), (1600, 1000)):
+        suite.window.resize(width, height)
+        album.take("%s-%dx%d" % (name, width, height), suite.window)
+    suite.window.resize(*FIRST)
+
+
+def make_new(desk, album, suite):
+    suite.add_profile()
+    wizard = desk.wait_for_window("Profile Wizard")
+    album.take("wizard", wizard)
+    for name, x in (("nickel", 82), ("lead", 237), ("lithium", 393)):
+        wizard.click(x, 332)
+        album.take("wizard-" + name, wizard)
+        wizard.click(237, 296)
+        album.take("wizard-%s-override" % name, wizard)
+        wizard.click(49, -20)
+    wizard.click(-134, -20)
+    desk.wait_until_closed("Profile Wizard")
+
+
+def look_at_device(desk, album, suite):
+    suite.view_device_settings()
+    album.take("device", suite.window)
+    suite.type_in_page(*BRIGHTNESS, "2")
+    suite.click_in_page(*ROTATE)
+    desk.take_pointer_away()
+    album.take("device-changed", suite.window)
+    suite.type_in_page(*BRIGHTNESS, "9")
+    album.take("device-bright", suite.window)
+    suite.load_defaults()
+    album.take("device-defaults", suite.window)
+    suite.cancel_device_settings()
+    album.take("device-cancelled", suite.window)
+    look_small(album, suite, "device")
+    suite.view_device_settings()
+
+    suite.window.click(96, 10)
+    desk.key("Up", "Return")
+    album.take("stats", desk.wait_for_window("Device Stats"))
+    desk.key("Escape")
+    desk.wait_until_closed("Device Stats")
+
+
+def choose_model(desk, album, suite):
+    suite.model()
+    album.take("model-list", suite.window)
+    desk.key("Home", "Return")
+    album.take("model", desk.wait_for_window("Incompatible Profiles"))
+    desk.key("Escape")
+    desk.wait_until_closed("Incompatible Profiles")
+    album.take("model-refused", suite.window)
 
 
 def change(desk, album, suite):
@@ -143,6 +237,7 @@ def fail(desk, album, suite, charger):
     desk.wait_until_closed("Failed!")
     desk.wait_until_closed("Connect")
 
+    choose_model(desk, album, suite)
     import_strange_pages(desk, album, suite, charger)
     disconnect_without_port(desk, album, suite, charger)
 

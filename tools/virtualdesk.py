@@ -561,6 +561,56 @@ class MainWindow:
     def delete_all(self):
         self.window.click(194, self._below_menus() + 18)
 
+    def edit(self):
+        """Presses "Edit Profile", down or up."""
+        self._click_in_pane(self._pane()[2] - 58, 24)
+
+    def override_defaults(self):
+        self._click_in_pane(self._pane()[1], 247)
+
+    def cancel(self):
+        """Presses "Cancel" beside a profile."""
+        self.window.click(269, self._below_menus() + 18)
+
+    def view_device_settings(self):
+        self.window.click(106, self._below_menus() + self._height() - 97 + 15)
+
+    def save_device_settings(self):
+        self._click_below_page(-8 - 95)
+
+    def cancel_device_settings(self):
+        self._click_below_page(7 + 95)
+
+    def load_defaults(self):
+        self._click_in_pane(self._pane()[1] + 7 + 190 - 52, 21)
+
+    def add_profile(self):
+        self.window.click(60, self._below_menus() + 18)
+
+    def model(self):
+        """Opens the list of models, left of the logo."""
+        self.window.click(-130, self._below_menus() - 17)
+
+    def click_in_page(self, x, y):
+        """x from the middle of the pane, y from the upper edge of what stands in the window."""
+        self._click_in_pane(self._pane()[1] + x, y)
+
+    def type_in_page(self, x, y, text):
+        """Types into the field at a place of click_in_page()."""
+        self.click_in_page(x, y)
+        self.desk.key("ctrl+a", *text, "Return")
+
+    def _click_below_page(self, x):
+        self._click_in_pane(self._pane()[1] + x, 3 + self._height() - 70 - 35 + 14)
+
+    def _click_in_pane(self, x, y):
+        self.window.click(x, self._below_menus() + y)
+
+    def _pane(self):
+        """Left edge, middle and right edge of the pane beside the list."""
+        width = self.window.geometry()[2] // self.desk.scale
+        return 212, 212 + (width - 216) // 2, 212 + width - 217
+
     def _height(self):
         return self.window.geometry()[3] // self.desk.scale
 
