@@ -19,6 +19,7 @@
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
 #include "ui_mainwindow.h"
+#include "xml/xmlmanager.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -138,6 +139,8 @@ void MainWindow::createManagers()
                                               ui->unitSettingsDisplay, ui->profileNameUpButton,
                                               ui->profileNameDownButton, generator, settingsPane);
     importer = new ImportProfiles::ImportProfilesMain(this, generator, this);
+    xmlManager =
+        new XMLGeneratorParser::XMLManager(this, ui->profileNamesList, importer, generator, this);
     hexManager =
         new HEXGeneratorParser::HEXManager(this, ui->profileNamesList, generator, importer, this);
     uploadDownload = new UploadDownload::UploadDownloadManager(hexManager, this);
@@ -152,12 +155,16 @@ void MainWindow::connectManagers()
     using ImportProfiles::ImportProfilesMain;
     using List = ProfileNamesListManager;
     using UploadDownload::UploadDownloadManager;
+    using XMLGeneratorParser::XMLManager;
 
     connect(this, &MainWindow::disconnectVelantor, settingsPane,
             &SettingsPaneManager::disconnectSettingsChanges);
     connect(this, &MainWindow::disconnectVelantor, listManager, &List::disableMarkingChanges);
     connect(this, &MainWindow::resetVelantorSignal, uploadDownload,
             &UploadDownloadManager::on_disconnectButtonPressed);
+    connect(this, &MainWindow::exportToXML, xmlManager, &XMLManager::on_exportAsXMLButtonClicked);
+    connect(this, &MainWindow::importFromXML, xmlManager,
+            &XMLManager::on_importFromXMLButtonClicked);
     connect(this, &MainWindow::masterConnectVelantorSignal, uploadDownload,
             &UploadDownloadManager::on_connectButtonPressed);
     connect(this, &MainWindow::resetVelantorWithPort, uploadDownload,
@@ -187,6 +194,10 @@ void MainWindow::connectManagers()
             &List::on_profileReadyForImport);
     connect(importer, &ImportProfilesMain::profilesLastImported, uploadDownload,
             &UploadDownloadManager::saveUnitSettingsToVel);
+
+    connect(xmlManager, &XMLManager::deleteAllProfiles, listManager,
+            &List::deleteAllProfilesNoConfirmation);
+    connect(xmlManager, &XMLManager::unitSettingsRead_xml, this, &MainWindow::unitSettingsRead);
 
     connect(hexManager, &HEXManager::deleteAllProfiles, listManager,
             &List::deleteAllProfilesNoConfirmation);
@@ -323,17 +334,13 @@ void MainWindow::connectActions()
             &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
 }
 
-/// Profile files, firmware tool and updates have their places in the form but no manager yet: what
-/// would lead to them is out of reach.
+/// Firmware tool and updates have their places in the form but no manager yet: what would lead to
+/// them is out of reach.
 void MainWindow::hideWhatIsNotThereYet()
 {
-    for (QAction *action :
-         {ui->actionExportXMLProfiles, ui->actionExportXMLProfilesAndSettings, ui->actionImportXML,
-          ui->actionFlashFirmware, ui->actionCheckNewFirmware, ui->actionCheckNewSoftware,
-          ui->actionChangeAutoUpdates})
+    for (QAction *action : {ui->actionFlashFirmware, ui->actionCheckNewFirmware,
+                            ui->actionCheckNewSoftware, ui->actionChangeAutoUpdates})
         action->setEnabled(false);
-    for (QWidget *widget : {ui->openProfilesXML, ui->saveProfilesXML})
-        widget->setEnabled(false);
 }
 
 void MainWindow::reloadBundle()

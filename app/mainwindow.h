@@ -32,6 +32,10 @@ namespace UploadDownload
 {
 class UploadDownloadManager;
 }
+namespace XMLGeneratorParser
+{
+class XMLManager;
+}
 
 /// The application's one window and its switchboard: makes the managers, joins their signals, and
 /// shows in tool bar and menus whether a charger is connected. Each feature lives in its manager.
@@ -104,6 +108,7 @@ private:
     ProfileNamesListManager *listManager = nullptr;
     SettingsPaneManager *settingsPane = nullptr;
     ImportProfiles::ImportProfilesMain *importer = nullptr;
+    XMLGeneratorParser::XMLManager *xmlManager = nullptr;
     HEXGeneratorParser::HEXManager *hexManager = nullptr;
     UploadDownload::UploadDownloadManager *uploadDownload = nullptr;
     std::unique_ptr<VelantorBundleManager> bundleManager;

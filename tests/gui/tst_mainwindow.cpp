@@ -11,6 +11,7 @@
 #include "profiles/profilename.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
+#include "support/filedialoganswer.h"
 #include "support/messageboxanswers.h"
 
 #include <QAction>
@@ -34,6 +35,7 @@
 #include <QTest>
 #include <QToolBar>
 
+#include <functional>
 #include <memory>
 
 namespace
@@ -634,32 +636,40 @@ void MainWindowTest::disconnectWithPortResetsThenTells()
 void MainWindowTest::exportsCarryWhetherSettingsGoAlong()
 {
     QSignalSpy exports(window.get(), &MainWindow::exportToXML);
-    window->exportProfilesXML();
-    window->exportProfilesSettingsXML();
-    QCOMPARE(exports.at(0).at(0).toBool(), false);
-    QCOMPARE(exports.at(1).at(0).toBool(), true);
-
-    exports.clear();
-    action("actionExportXMLProfiles")->setEnabled(true);
-    action("actionExportXMLProfiles")->trigger();
-    window->findChild<QPushButton *>("saveProfilesXML")->setEnabled(true);
-    window->findChild<QPushButton *>("saveProfilesXML")->click();
-    action("actionExportXMLProfilesAndSettings")->setEnabled(true);
-    action("actionExportXMLProfilesAndSettings")->trigger();
-    QCOMPARE(exports.count(), 3);
-    QCOMPARE(exports.at(0).at(0).toBool(), false);
-    QCOMPARE(exports.at(1).at(0).toBool(), false);
-    QCOMPARE(exports.at(2).at(0).toBool(), true);
+    auto *button = window->findChild<QPushButton *>("saveProfilesXML");
+    const QList<std::function<void()>> ways = {
+        [&] { window->exportProfilesXML(); },
+        [&] { action("actionExportXMLProfiles")->trigger(); },
+        [&] { button->click(); },
+        [&] { window->exportProfilesSettingsXML(); },
+        [&] { action("actionExportXMLProfilesAndSettings")->trigger(); },
+    };
+    for (const auto &way : ways) {
+        FileDialogAnswer cancel{QString()};
+        way();
+        QVERIFY(cancel.asked && cancel.saving);
+    }
+    QCOMPARE(exports.count(), ways.size());
+    for (int i = 0; i < ways.size(); ++i)
+        QCOMPARE(exports.at(i).at(0).toBool(), i >= 3);
 }
 
 void MainWindowTest::importsTellWhetherSettingsAreLoaded()
 {
     QSignalSpy imports(window.get(), &MainWindow::importFromXML);
-    window->on_importFromXMLButtonClicked();
-    emit manager()->unitSettingsRead(true);
-    window->on_importFromXMLButtonClicked();
-    QCOMPARE(imports.at(0).at(0).toBool(), false);
-    QCOMPARE(imports.at(1).at(0).toBool(), true);
+    auto *button = window->findChild<QPushButton *>("openProfilesXML");
+    for (const bool loaded : {false, true}) {
+        emit manager()->unitSettingsRead(loaded);
+        FileDialogAnswer cancel{QString()};
+        button->click();
+        QVERIFY(cancel.asked && !cancel.saving);
+        FileDialogAnswer cancelAgain{QString()};
+        action("actionImportXML")->trigger();
+        QVERIFY(cancelAgain.asked);
+    }
+    QCOMPARE(imports.count(), 4);
+    for (int i = 0; i < 4; ++i)
+        QCOMPARE(imports.at(i).at(0).toBool(), i >= 2);
 }
 
 void MainWindowTest::toolbarAndMenuDisableTogether()
@@ -763,12 +773,9 @@ void MainWindowTest::degreeSignsSurviveTheBundle()
 void MainWindowTest::whatIsNotThereYetIsOutOfReach()
 {
     emit manager()->settingsRead(true);
-    for (const char *name : {"actionExportXMLProfiles", "actionExportXMLProfilesAndSettings",
-                             "actionImportXML", "actionFlashFirmware", "actionCheckNewFirmware",
+    for (const char *name : {"actionFlashFirmware", "actionCheckNewFirmware",
                              "actionCheckNewSoftware", "actionChangeAutoUpdates"})
         QVERIFY2(!action(name)->isEnabled(), name);
-    for (const char *name : {"openProfilesXML", "saveProfilesXML"})
-        QVERIFY2(!window->findChild<QWidget *>(name)->isEnabled(), name);
 }
 
 void MainWindowTest::thePaneIsEmptyAtFirst()
