@@ -13,6 +13,7 @@
 #include <QMap>
 
 #include <algorithm>
+#include <utility>
 
 using HParser::SettingKind;
 using HParser::StructSetting;
@@ -295,10 +296,23 @@ int ImportProfilesMain::importSSFileStruct(const ParsedFSElement *element, Struc
         if (!valueFor(setting).isEmpty())
             setting->setDefault();
     }
-    for (StructSetting *setting : target->getOriginalOrderStructSettings()) {
-        setting->advancedEnabled = true;
-        if (!valueFor(setting).isEmpty())
-            setValueFromText(setting, valueFor(setting));
+    const auto takeAll = [&] {
+        QStringList values;
+        for (StructSetting *setting : target->getOriginalOrderStructSettings()) {
+            setting->advancedEnabled = true;
+            if (!valueFor(setting).isEmpty())
+                setValueFromText(setting, valueFor(setting));
+            values.append(setting->getValue());
+        }
+        return values;
+    };
+    // What this record says there may have cut a value as well, or still does: the default. Each
+    // further round settles at least one member for good.
+    QStringList values = takeAll();
+    for (int rounds = values.size(); rounds > 0; --rounds) {
+        const QStringList before = std::exchange(values, takeAll());
+        if (values == before)
+            break;
     }
     return 0;
 }

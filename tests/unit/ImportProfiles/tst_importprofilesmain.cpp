@@ -140,6 +140,7 @@ private slots:
     void deviceElements();
     void laterGlobalSettingsWinMemberByMember();
     void formerValuesDoNotBoundLaterOnes();
+    void defaultsDoNotBoundValues();
     void barcodeDoesNotReachTheStruct();
     void lifetimeStatistics();
     void schemaWithoutHardwareAndBarcode();
@@ -343,6 +344,16 @@ void ImportProfilesMainTest::formerValuesDoNotBoundLaterOnes()
                   pageCounter}));
     QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "longpress_time_cs"), q("0.05"));
     QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "shortpress_time_cs"), q("0.02"));
+}
+
+void ImportProfilesMainTest::defaultsDoNotBoundValues()
+{
+    // The default of a short press, 0.02, would make this long press 0.04.
+    importer->sortElements(
+        elements({of("Global settings", {{"longpress_time", "0.03"}, {"shortpress_time", "0.01"}}),
+                  pageCounter}));
+    QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "longpress_time_cs"), q("0.03"));
+    QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "shortpress_time_cs"), q("0.01"));
 }
 
 void ImportProfilesMainTest::barcodeDoesNotReachTheStruct()
