@@ -50,6 +50,13 @@ void writeBlackOnWhite(QLineEdit *field)
         field->setStyleSheet(QStringLiteral("QLineEdit{background-color: white;color: black;}"));
 }
 
+/// In a low window a page gets a vertical bar, which must not bring a horizontal one along.
+void letFitBesideItsBar(QWidget *page, const QScrollArea *area)
+{
+    const int room = area->width() - area->verticalScrollBar()->sizeHint().width();
+    page->setMinimumWidth(qMin(page->minimumWidth(), room));
+}
+
 /// A page that is new in the window stands at the end of its tab order: lets it follow the area
 /// that it lies in. Returns the last widget that a tab reaches there.
 QWidget *placeInTabOrder(QScrollArea *area)
@@ -329,6 +336,7 @@ void SettingsPaneManager::displayUnitSettings()
     }
     unitSettings = new UnitSettingsDisplay(generator->getUnitSettingsStruct(), generator,
                                            ui->unitSettingsDisplay);
+    letFitBesideItsBar(unitSettings, ui->unitSettingsDisplay);
     ui->unitSettingsDisplay->setWidget(unitSettings); // the former one goes, with its connections
     ui->unitSettingsDisplay->setFrameShape(QFrame::NoFrame);
     connect(ui->resetDefaults, &QPushButton::clicked, unitSettings,
@@ -350,9 +358,13 @@ void SettingsPaneManager::displayUnitSettings()
 void SettingsPaneManager::refreshUnitSettings()
 {
     const int position = ui->unitSettingsDisplay->verticalScrollBar()->value();
+    // A button that is hidden and shown again has lost the focus.
+    const QPointer<QWidget> focused = ui->unitSettingsDisplay->window()->focusWidget();
     showingUnitSettings = false;
     displayUnitSettings();
     ui->unitSettingsDisplay->verticalScrollBar()->setValue(position);
+    if (focused && focused->isVisible())
+        focused->setFocus();
 }
 
 /// A schema was read, and with it came a new struct. A page on the former one would edit what

@@ -242,6 +242,8 @@ private slots:
     void pageFollowsANewStruct();
     void pageOutOfViewStays();
     void freshPageKeepsItsPlace();
+    void freshPageKeepsTheFocus();
+    void lowWindowScrollsOneWay();
 
     void tabsAsTheEyeGoes();
     void fieldsHaveNames();
@@ -1320,6 +1322,26 @@ void SettingsPaneManagerTest::freshPageKeepsItsPlace()
     desk->chargerWasRead();
     QCoreApplication::processEvents();
     QCOMPARE(bar->value(), 100);
+}
+
+void SettingsPaneManagerTest::freshPageKeepsTheFocus()
+{
+    desk->chargerWasRead();
+    desk->press(desk->ui.viewDeviceSettings);
+    desk->box(0)->setValue(6);
+    desk->ui.saveChangesButton->setFocus();
+    QTest::keyClick(desk->ui.saveChangesButton, Qt::Key_Space);
+    QCOMPARE(desk->starTexts(), plainTexts);
+    QCOMPARE(QApplication::focusWidget(), desk->ui.saveChangesButton);
+}
+
+void SettingsPaneManagerTest::lowWindowScrollsOneWay()
+{
+    desk->press(desk->ui.viewDeviceSettings);
+    desk->ui.unitSettingsDisplay->resize(480, 200);
+    QCoreApplication::processEvents();
+    QVERIFY(desk->ui.unitSettingsDisplay->verticalScrollBar()->isVisible());
+    QVERIFY(!desk->ui.unitSettingsDisplay->horizontalScrollBar()->isVisible());
 }
 
 namespace
