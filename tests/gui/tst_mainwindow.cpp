@@ -26,6 +26,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -116,6 +117,10 @@ private slots:
     void anotherModelChecksTheRows_data();
     void anotherModelChecksTheRows();
     void aStrictSchemaLocksTheModel();
+    void theLinkFallsWhileAQuestionIsOpen_data();
+    void theLinkFallsWhileAQuestionIsOpen();
+    void rowsGoWhileTheModelIsAskedAbout();
+    void theLinkFallsWhileTheWizardIsOpen();
 
 private:
     void addRow();
@@ -1003,6 +1008,87 @@ void MainWindowTest::aStrictSchemaLocksTheModel()
     QCOMPARE(model()->currentText(), QStringLiteral("72V"));
     QVERIFY(model()->isEnabled());
     QCOMPARE(lithiumLimit("full_V"), 103.0);
+}
+
+void MainWindowTest::theLinkFallsWhileAQuestionIsOpen_data()
+{
+    QTest::addColumn<bool>("rowsGo");
+    QTest::addColumn<bool>("all");
+    QTest::newRow("one row") << false << false;
+    QTest::newRow("one row, which a read has replaced") << true << false;
+    QTest::newRow("all rows") << false << true;
+    QTest::newRow("all rows, which a read has replaced") << true << true;
+}
+
+void MainWindowTest::theLinkFallsWhileAQuestionIsOpen()
+{
+    QFETCH(bool, rowsGo);
+    QFETCH(bool, all);
+    showSettingsOfACharger(7.0);
+    addRow();
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    emit list->itemClicked(list->item(0));
+    window->findChild<QAbstractButton *>("editProfileButton")->click();
+    const QPointer<ProfileName> row = window->findChild<ProfileName *>();
+    MessageBoxAnswers answers;
+    answers.push([&](QMessageBox *box) {
+        if (rowsGo) {
+            emit manager()->deleteAllProfiles();
+            addRow();
+            QTRY_VERIFY(!row);
+        }
+        emit manager()->settingsRead(false);
+        box->button(QMessageBox::Yes)->click();
+    });
+    if (all)
+        action("actionDeleteAllProfiles")->trigger();
+    else
+        row->findChild<QAbstractButton *>("deleteProfileButton")->click();
+    QCOMPARE(answers.seen().size(), 1);
+    QVERIFY(generator()->isMaster());
+    QVERIFY(model()->isEnabled());
+    // Who was asked about one row has not agreed to the loss of another.
+    QCOMPARE(list->count(), rowsGo && !all ? 1 : 0);
+    QVERIFY(!window->findChild<QWidget *>("containerScroll")->isVisible());
+}
+
+void MainWindowTest::rowsGoWhileTheModelIsAskedAbout()
+{
+    addRow(); // a full voltage of 42
+    addRow();
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    emit list->itemClicked(list->item(1));
+    MessageBoxAnswers answers;
+    answers.push([&](QMessageBox *box) {
+        emit manager()->deleteAllProfiles();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        window->reloadBundle();
+        box->button(QMessageBox::Yes)->click();
+    });
+    model()->setCurrentText(QStringLiteral("24V"));
+    QCOMPARE(list->count(), 0);
+    QCOMPARE(model()->currentText(), QStringLiteral("24V"));
+    QVERIFY(!window->findChild<QWidget *>("containerScroll")->isVisible());
+}
+
+void MainWindowTest::theLinkFallsWhileTheWizardIsOpen()
+{
+    emit manager()->settingsRead(true);
+    generator()->parseSSFile(REV7_72V_SS_FILE_NAME);
+    window->findChild<QAbstractButton *>("addProfileButton")->click();
+    auto *wizard = window->findChild<QDialog *>("NewProfileWizard");
+    QVERIFY(wizard);
+    wizard->findChild<QAbstractButton *>("Lithium")->click();
+    emit manager()->settingsRead(false);
+    QVERIFY(generator()->isMaster());
+    wizard->findChild<QAbstractButton *>("finishButton")->click();
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    QCOMPARE(list->count(), 1);
+    QVERIFY(window->findChild<QWidget *>("containerScroll")->isVisible());
+    // It marks no changes: there is no charger to differ from.
+    auto *row = window->findChild<ProfileName *>();
+    row->findChild<QAbstractButton *>("activeProfileButton")->click();
+    QVERIFY(!row->getTitle().endsWith("**"));
 }
 
 QTEST_MAIN(MainWindowTest)
