@@ -10,6 +10,7 @@
 #include "profiles/profilenamelistwidget.h"
 #include "profiles/profilesettings.h"
 
+#include <QKeyEvent>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPalette>
@@ -84,6 +85,8 @@ ProfileNamesListManager::ProfileNamesListManager(QWidget *parent, QListWidget *l
     paintWhite(list);
     up->setEnabled(false);
     down->setEnabled(false);
+
+    list->installEventFilter(this);
 
     connect(list, &QListWidget::itemClicked, this, &ProfileNamesListManager::on_listWidgetClicked);
     connect(addButton, &QPushButton::clicked, this,
@@ -180,6 +183,46 @@ void ProfileNamesListManager::on_listWidgetClicked(QListWidgetItem *item)
     upButton->setEnabled(true);
     downButton->setEnabled(true);
     emit settingsPaneUpdateNeeded(currentProfile->profileName);
+}
+
+bool ProfileNamesListManager::eventFilter(QObject *list, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && selectByKey(static_cast<QKeyEvent *>(event)->key()))
+        return true;
+    return QObject::eventFilter(list, event);
+}
+
+/// Returns whether the key has a meaning here.
+bool ProfileNamesListManager::selectByKey(int key)
+{
+    const int last = listWidget->count() - 1;
+    const int current = currentProfile ? listWidget->row(currentProfile) : -1;
+    int wanted = current;
+    switch (key) {
+    case Qt::Key_Up:
+        wanted = current - 1;
+        break;
+    case Qt::Key_Down:
+        wanted = current + 1;
+        break;
+    case Qt::Key_Home:
+        wanted = 0;
+        break;
+    case Qt::Key_End:
+        wanted = last;
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        break; // back from the device settings
+    default:
+        return false;
+    }
+    if (ProfileNameListWidget *item = itemAt(qBound(0, wanted, last))) {
+        listWidget->scrollToItem(item);
+        on_listWidgetClicked(item);
+    }
+    return true;
 }
 
 void ProfileNamesListManager::updateQuickSettingsPane()

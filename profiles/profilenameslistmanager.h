@@ -73,6 +73,10 @@ public slots:
     /// No row marks unsaved changes any more.
     void disableMarkingChanges();
 
+protected:
+    /// Lets the list's rows be selected by key.
+    bool eventFilter(QObject *list, QEvent *event) override;
+
 private slots:
     void on_listWidgetClicked(QListWidgetItem *item);
     void on_activeStatusChangeRequest(ProfileName *row, bool active);
@@ -90,6 +94,7 @@ private:
     ProfileNameListWidget *makeProfileName(ProfileSettings *settings);
     void connectProfileNameSignals(ProfileNameListWidget *item);
     void moveCurrentProfile(int newRow);
+    bool selectByKey(int key);
     void updateQuickSettingsPane();
 
     SettingsPaneManager *settingsPane;

@@ -169,6 +169,7 @@ private slots:
     void selectsByClick();
     void secondClickDoesNothing();
     void secondClickLeavesDeviceSettings();
+    void selectsByKey();
 
     void lampAsks();
     void deactivatingTakesTheDefaultMark();
@@ -386,6 +387,37 @@ void ProfileNamesListManagerTest::secondClickLeavesDeviceSettings()
     QCOMPARE(shown.count(), 1);
     QCOMPARE(rowOf(shown.last()), window->row(0));
     QVERIFY(window->highlighted(0));
+}
+
+void ProfileNamesListManagerTest::selectsByKey()
+{
+    QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    const auto press = [&](Qt::Key key) {
+        QTest::keyClick(&window->list(), key);
+        return window->list().count() == 0 || shown.isEmpty() ? QString()
+                                                              : rowOf(shown.last())->getTitle();
+    };
+    QCOMPARE(press(Qt::Key_Down), QString()); // no row is there
+    for (const char *title : {"A", "B", "C", "D", "E", "F", "G", "H", "I", "J", "K", "L", "M"})
+        window->import(title);
+    QCOMPARE(press(Qt::Key_Down), QStringLiteral("A"));
+    QCOMPARE(press(Qt::Key_Down), QStringLiteral("B"));
+    QVERIFY(window->highlighted(1));
+    QVERIFY(!window->highlighted(0));
+    QCOMPARE(press(Qt::Key_Up), QStringLiteral("A"));
+    QCOMPARE(press(Qt::Key_Up), QStringLiteral("A"));
+    QCOMPARE(shown.count(), 3); // the first row is in view already
+    QCOMPARE(press(Qt::Key_End), QStringLiteral("M"));
+    QVERIFY(window->list().viewport()->rect().contains(
+        window->list().visualItemRect(window->item(12)).center()));
+    QCOMPARE(press(Qt::Key_Down), QStringLiteral("M"));
+    QCOMPARE(press(Qt::Key_Home), QStringLiteral("A"));
+    QCOMPARE(shown.count(), 5);
+
+    // From the device settings back to the profile.
+    window->ui.unitSettingsDisplay->show();
+    QCOMPARE(press(Qt::Key_Space), QStringLiteral("A"));
+    QCOMPARE(shown.count(), 6);
 }
 
 void ProfileNamesListManagerTest::lampAsks()
