@@ -106,6 +106,9 @@ private slots:
     void thePaneIsEmptyAtFirst();
     void theDeviceButtonShowsAndHidesThePage();
     void rowsComeIntoThePane();
+    void cancelMovesWithTheView();
+    void anEmptyListShowsThePageAnew();
+    void aToldReadCanBeSavedTo();
     void cancelComesBackToWhatWasRead();
     void editsCountAsSavedBeforeAWriteBegins_data();
     void editsCountAsSavedBeforeAWriteBegins();
@@ -842,6 +845,44 @@ void MainWindowTest::rowsComeIntoThePane()
     QVERIFY(!scroll->isVisible());
 }
 
+void MainWindowTest::cancelMovesWithTheView()
+{
+    addRow();
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    auto *button = window->findChild<QAbstractButton *>("viewDeviceSettings");
+    const auto *cancel = window->findChild<QWidget *>("cancelChangesButton");
+    const auto *save = window->findChild<QWidget *>("saveChangesButton");
+    // Without a profile the page goes as it came, and a profile finds all in its place.
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseClick(button, Qt::LeftButton);
+    emit list->itemClicked(list->item(0));
+    const QRect above = cancel->geometry();
+    QCOMPARE(above.top(), window->findChild<QWidget *>("settingsList")->y() + 4);
+    // Back by the row and by the button.
+    for (const bool byRow : {true, false}) {
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(cancel->y(), save->y());
+        QCOMPARE(cancel->size(), save->size());
+        if (byRow)
+            emit list->itemClicked(list->item(0));
+        else
+            QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(cancel->geometry(), above);
+    }
+}
+
+void MainWindowTest::anEmptyListShowsThePageAnew()
+{
+    showSettingsOfACharger(7.0);
+    addRow();
+    deviceSetting("brightness")->setValue(3.0);
+    const auto *save = window->findChild<QAbstractButton *>("saveChangesButton");
+    QCOMPARE(save->text(), QStringLiteral("Save Settings to Velantor*"));
+    emit manager()->deleteAllProfiles();
+    QVERIFY(window->findChild<QWidget *>("unitSettingsDisplay")->isVisible());
+    QCOMPARE(save->text(), QStringLiteral("Save to Velantor*"));
+}
+
 void MainWindowTest::showSettingsOfACharger(double brightness)
 {
     emit manager()->settingsRead(true);
@@ -849,6 +890,17 @@ void MainWindowTest::showSettingsOfACharger(double brightness)
     deviceSetting("brightness")->setValue(brightness);
     emit manager()->unitSettingsRead(true);
     window->findChild<QAbstractButton *>("viewDeviceSettings")->click();
+}
+
+void MainWindowTest::aToldReadCanBeSavedTo()
+{
+    window->findChild<QAbstractButton *>("viewDeviceSettings")->click();
+    const auto *save = window->findChild<QWidget *>("saveChangesButton");
+    QVERIFY(!save->isEnabled());
+    emit manager()->settingsRead(true);
+    QVERIFY(save->isEnabled());
+    emit manager()->settingsRead(false);
+    QVERIFY(!save->isEnabled());
 }
 
 void MainWindowTest::cancelComesBackToWhatWasRead()

@@ -132,8 +132,15 @@ void PaneLayoutTest::cancelStandsBesideSaveInTheDeviceSettings()
     QCOMPARE(cancel.left() - save.right(), 8 + 7);
     QCOMPARE(ui.resetDefaults->geometry().right(), cancel.right());
 
+    // A row was clicked: the profile's widgets are in view before the button comes up.
     ui.editProfileButton->show();
+    panes->place(QSize(707, 730));
+    QCOMPARE(ui.cancelChangesButton->geometry(), inProfileView);
     ui.viewDeviceSettings->setChecked(false);
+    panes->place(QSize(707, 730));
+    QCOMPARE(ui.cancelChangesButton->geometry(), inProfileView);
+    // No profile is in view either.
+    ui.editProfileButton->hide();
     panes->place(QSize(707, 730));
     QCOMPARE(ui.cancelChangesButton->geometry(), inProfileView);
 }

@@ -212,6 +212,7 @@ private slots:
     void deletedRowBehindTheDeviceSettings();
     void emptiedListWhileEdited();
     void emptiedListBehindTheDeviceSettings();
+    void emptiedListLeavesNoProfile();
     void rowThatDiesUntold();
 
     void showsDeviceSettings();
@@ -871,6 +872,21 @@ void SettingsPaneManagerTest::emptiedListBehindTheDeviceSettings()
     QVERIFY(desk->ui.viewDeviceSettings->isChecked());
     QVERIFY(desk->ui.cancelChangesButton->isEnabled());
     desk->press(desk->ui.viewDeviceSettings);
+    QCOMPARE(desk->inView(), QStringList());
+}
+
+void SettingsPaneManagerTest::emptiedListLeavesNoProfile()
+{
+    ProfileSettings *profile = desk->import("Commuter");
+    desk->select(0);
+    desk->press(desk->ui.editProfileButton);
+    desk->pane->on_profilesListEmpty();
+    QVERIFY(!desk->pane->getEditMode());
+    desk->ui.profileSettingsName->setText(QStringLiteral("Cargo"));
+    desk->pane->saveNameAndDescrip();
+    QCOMPARE(member(profile, "title")->getValue(), QStringLiteral("Commuter"));
+    desk->pane->on_viewDeviceSettingsClicked(true);
+    desk->pane->on_viewDeviceSettingsClicked(false);
     QCOMPARE(desk->inView(), QStringList());
 }
 
