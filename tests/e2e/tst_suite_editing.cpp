@@ -27,6 +27,8 @@ private slots:
     void deletingWhileEditing();
     void readingAgainWhileEditing();
     void theChargerGoesWhileEditing();
+    void theProgramEndsWhileEditing_data();
+    void theProgramEndsWhileEditing();
 
 private:
     /// Rows: Li Fast (default), Li Stnd (overridden), Li 85%, 52V, NiMH, 48V SLA.
@@ -336,6 +338,30 @@ void SuiteEditingTest::theChargerGoesWhileEditing()
     QCOMPARE(story->shown("Bulk Current"), QStringLiteral("6.0"));
     story->press("cancelChangesButton");
     QCOMPARE(story->shown("Bulk Current"), QStringLiteral("8.0"));
+}
+
+void SuiteEditingTest::theProgramEndsWhileEditing_data()
+{
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("name") << QByteArray("Profile name") << "Bicycle";
+    QTest::newRow("value") << QByteArray("Full Voltage") << "40";
+    QTest::newRow("device setting") << QByteArray("Brightness") << "3";
+}
+
+void SuiteEditingTest::theProgramEndsWhileEditing()
+{
+    QFETCH(QByteArray, field);
+    QFETCH(QString, typed);
+    connectAndSelect(0);
+    story->press("editProfileButton");
+    if (field == "Brightness")
+        story->press("viewDeviceSettings");
+    story->type(field.constData(), typed);
+    story->action("actionAboutDevice")->trigger();
+    story
+        ->closeWindow(); // in whatever order the parts go, none of them speaks to one that has gone
+    QVERIFY(!SuiteStory::dialog());
 }
 
 QTEST_MAIN(SuiteEditingTest)
