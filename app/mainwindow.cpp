@@ -440,11 +440,13 @@ void MainWindow::on_importFromXMLButtonClicked()
 
 void MainWindow::exportProfilesXML()
 {
+    settingsPane->takeTypedText();
     emit exportToXML(false);
 }
 
 void MainWindow::exportProfilesSettingsXML()
 {
+    settingsPane->takeTypedText();
     emit exportToXML(true);
 }
 

@@ -256,7 +256,6 @@ void SettingsPaneManager::saveNameAndDescrip()
     saveText(descriptionMember, ui->profileSettingsDescription->text());
 }
 
-/// What stands in the field that has the focus counts, although nobody has left the field yet.
 void SettingsPaneManager::takeTypedText()
 {
     QWidget *field = QApplication::focusWidget();

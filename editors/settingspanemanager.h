@@ -72,6 +72,9 @@ public slots:
     void saveUnitSettingsBackup(bool available);
     /// A device setting differs from what the charger holds.
     void unsavedChanges();
+    /// What stands in the field that has the focus counts, although nobody has left the field yet:
+    /// a menu and the tool bar take no focus from it.
+    void takeTypedText();
     /// What was typed is taken over and counts as saved.
     void unitSettingsUISaved();
     /// The charger is gone: there is nothing to save to.
@@ -87,7 +90,6 @@ private:
     void fillNameAndStates();
     void showProfileEdit();
     void saveText(const QString &member, const QString &text);
-    void takeTypedText();
     void forgetProfile();
 
     Ui::MainWindow *ui;
