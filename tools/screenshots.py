@@ -19,6 +19,7 @@ from virtualdesk import Desk, MainWindow, Stuck, ending_cleanly, flashpage  # no
 
 GUIDE = (
     *("start", "connect", "connected", "changed"),
+    *("load-file", "add-or-replace", "left-out"),
     *("profile", "editing", "override", "wizard", "wizard-lithium", "model"),
     *("device", "device-changed", "stats"),
     *("write", "other-charger", "failed"),
@@ -58,6 +59,7 @@ def play(desk, album):
     suite.window.resize(*COMPACT)
     album.take("start", suite.window)
     look_at_menus(desk, album, suite)
+    load_files(desk, album, suite)
 
     dialog = suite.open_connect_dialog()
     album.take("no-port", dialog)
@@ -94,6 +96,26 @@ def look_at_menus(desk, album, suite):
         suite.window.click(96, 10)
         desk.key(*["Down"] * downs, "Return")
         close_box(desk, album, name, title)
+
+
+def load_files(desk, album, suite):
+    choose_file(desk, album, suite, "48v_default_profiles.xml")
+    choose_file(desk, album, suite, "72v_default_profiles.xml")
+    album.take("add-or-replace", desk.wait_for_window("Add Profiles to List?"))
+    desk.key("alt+r")
+    close_box(desk, album, "left-out", "Incompatible Profiles")
+    suite.wait_for_rows("what fits is loaded", lambda rows: len(rows) > 0)
+
+
+def choose_file(desk, album, suite, name):
+    title = "Select XML File to Import"
+    suite.window.click(20, 10)
+    desk.key(*["Down"] * 3, "Return")
+    dialog = desk.wait_for_window(title)
+    album.take("load-file", dialog)
+    desk.xdotool("type", name)
+    desk.key("Return")
+    desk.wait_until_closed(title)
 
 
 def close_box(desk, album, name, title):
