@@ -6,9 +6,6 @@
 #include "editors/numbervalidator.h"
 #include "editors/typednumber.h"
 
-#include <QApplication>
-#include <QPalette>
-
 using HParser::SettingKind;
 using HParser::StructSetting;
 
@@ -37,14 +34,9 @@ SettingsLineEdit::SettingsLineEdit(bool shaded, QWidget *parent) : QLineEdit(par
 {
     setObjectName(QStringLiteral("SettingsLineEdit"));
     setFixedHeight(20);
-    QString sheet;
-    if (shaded)
-        sheet = QStringLiteral("QLineEdit:enabled{background-color: rgb(238, 238, 238);}");
-    // A line edit without a native border, such as the suite's style sheet makes, is filled with
-    // the desktop's colour whatever its own palette says.
-    if (QApplication::palette().color(QPalette::Base).lightness() < 128)
-        sheet += QStringLiteral("QLineEdit{background-color: white;color: black;}");
-    setStyleSheet(sheet);
+    if (shaded) {
+        setStyleSheet(QStringLiteral("QLineEdit:enabled{background-color: rgb(238, 238, 238);}"));
+    }
     connect(this, &QLineEdit::editingFinished, this, &SettingsLineEdit::on_editingFinished);
 }
 

@@ -13,8 +13,6 @@ class StructSetting;
 /// editing ends; the setting limits and rounds it, and the line edit shows what the setting then
 /// holds, a number with all its decimals. Bound to a setting of another kind it stays empty and
 /// stores nothing.
-///
-/// Always dark on light: the suite's style sheet writes disabled line edits black.
 class SettingsLineEdit : public QLineEdit
 {
     Q_OBJECT

@@ -42,14 +42,6 @@ void setBold(QWidget *widget)
     widget->setFont(font);
 }
 
-/// The suite writes black into a disabled field, whatever the desktop's colours are, and takes its
-/// background away with its border.
-void writeBlackOnWhite(QLineEdit *field)
-{
-    if (field->palette().color(QPalette::Window).lightness() < 128)
-        field->setStyleSheet(QStringLiteral("QLineEdit{background-color: white;color: black;}"));
-}
-
 /// In a low window a page gets a vertical bar, which must not bring a horizontal one along.
 void letFitBesideItsBar(QWidget *page, const QScrollArea *area)
 {
@@ -162,9 +154,7 @@ void SettingsPaneManager::fillNameAndStates()
 void SettingsPaneManager::showProfileEdit()
 {
     if (!profileEdit) {
-        // A large font or a style sheet in the form would cost every start.
-        writeBlackOnWhite(ui->profileSettingsName);
-        writeBlackOnWhite(ui->profileSettingsDescription);
+        // A large font in the form would cost every start.
         setPointSize(ui->profileSettingsName, 14);
         setBold(ui->profileSettingsName);
         setPointSize(ui->profileSettingsDescription, 12);

@@ -64,6 +64,8 @@ private slots:
 
     void titleAndSizes();
     void theLookReachesTheWindowThatIsThere();
+    void lineEditsAreReadableOnEveryDesktop_data();
+    void lineEditsAreReadableOnEveryDesktop();
     void menusHoldTheirEntriesInOrder_data();
     void menusHoldTheirEntriesInOrder();
     void textsOfTheForm_data();
@@ -203,6 +205,55 @@ void MainWindowTest::theLookReachesTheWindowThatIsThere()
                             "border-style: inset;border-radius: 3px;padding: 1px;padding-top: "
                             "0px;padding-bottom: 0px;}QLineEdit:!enabled{border: none;color: "
                             "black;}"));
+}
+
+void MainWindowTest::lineEditsAreReadableOnEveryDesktop_data()
+{
+    QTest::addColumn<QPalette>("desktop");
+    QTest::newRow("light") << QPalette(QColor(239, 239, 239));
+    QTest::newRow("dark") << QPalette(QColor(40, 40, 40), QColor(30, 30, 30));
+    QTest::newRow("darkest") << QPalette(Qt::black, Qt::black);
+}
+
+void MainWindowTest::lineEditsAreReadableOnEveryDesktop()
+{
+    QFETCH(QPalette, desktop);
+    struct Desktop {
+        ~Desktop() { QApplication::setPalette(before); }
+        const QPalette before = QApplication::palette();
+    } const restored;
+    window.reset();
+    QApplication::setPalette(desktop);
+    window = std::make_unique<MainWindow>();
+    window->show();
+    const SuiteLook look;
+    QDialog dialog(window.get());
+    (new QLineEdit("MMM", &dialog))->resize(100, 24);
+    addRow();
+    auto *list = window->findChild<QListWidget *>("profileNamesList");
+    emit list->itemClicked(list->item(0));
+    auto *edit = window->findChild<QPushButton *>("editProfileButton");
+    for (const bool editing : {false, true}) {
+        if (editing)
+            edit->click();
+        const auto lineEdits = window->findChildren<QLineEdit *>();
+        QVERIFY(lineEdits.size() > 5);
+        for (QLineEdit *lineEdit : lineEdits) {
+            if (lineEdit->parent() == &dialog)
+                lineEdit->setEnabled(editing);
+            const QRect inside(QPoint(3, 3), lineEdit->size() - QSize(6, 6));
+            const QImage picture = lineEdit->grab(inside).toImage();
+            int darkest = 255;
+            for (int y = 0; y < picture.height(); ++y) {
+                for (int x = 0; x < picture.width(); ++x)
+                    darkest = qMin(darkest, qGray(picture.pixel(x, y)));
+            }
+            const int ground = qGray(picture.pixel(picture.width() - 1, 0));
+            QVERIFY2(ground > 200, qPrintable(lineEdit->objectName()));
+            QVERIFY2(lineEdit->text().isEmpty() || darkest < 130,
+                     qPrintable(lineEdit->objectName()));
+        }
+    }
 }
 
 void MainWindowTest::menusHoldTheirEntriesInOrder_data()

@@ -22,8 +22,6 @@ class SettingsLineEditTest : public QObject
 private slots:
     void look_data();
     void look();
-    void isDarkOnLightEverywhere_data();
-    void isDarkOnLightEverywhere();
     void tellsItsNameAndUnit();
     void showsAllDecimals_data();
     void showsAllDecimals();
@@ -98,42 +96,6 @@ void SettingsLineEditTest::look()
     QCOMPARE(line.maximumHeight(), 20);
     QTEST(line.styleSheet(), "sheet");
     QVERIFY(!line.getSetting());
-}
-
-void SettingsLineEditTest::isDarkOnLightEverywhere_data()
-{
-    QTest::addColumn<bool>("shaded");
-    QTest::addColumn<bool>("enabled");
-    for (const bool shaded : {false, true}) {
-        for (const bool enabled : {false, true}) {
-            QTest::addRow("%s, %s", shaded ? "shaded" : "plain", enabled ? "enabled" : "disabled")
-                << shaded << enabled;
-        }
-    }
-}
-
-void SettingsLineEditTest::isDarkOnLightEverywhere()
-{
-    QFETCH(bool, shaded);
-    QFETCH(bool, enabled);
-    const QPalette before = QApplication::palette();
-    QApplication::setPalette(QPalette(QColor(40, 40, 40), QColor(30, 30, 30)));
-    qApp->setStyleSheet("QLineEdit{border-width: 2px;border-style: inset;}"
-                        "QLineEdit:!enabled{border: none;color: black;}");
-    {
-        SettingsLineEdit line(shaded);
-        line.setEnabled(enabled);
-        line.resize(60, 20);
-        line.setText("8888");
-        const QImage picture = line.grab().toImage();
-        QVERIFY(qGray(picture.pixel(56, 10)) > 200);
-        int darkest = 255;
-        for (int x = 2; x < 50; ++x)
-            darkest = qMin(darkest, qGray(picture.pixel(x, 10)));
-        QVERIFY(darkest < 120);
-    }
-    qApp->setStyleSheet(QString());
-    QApplication::setPalette(before);
 }
 
 void SettingsLineEditTest::tellsItsNameAndUnit()

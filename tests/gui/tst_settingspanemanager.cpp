@@ -248,7 +248,6 @@ private slots:
 
     void tabsAsTheEyeGoes();
     void fieldsHaveNames();
-    void readableUnderADarkPalette();
     void namesAreNotClipped();
 
 private:
@@ -1409,44 +1408,6 @@ void SettingsPaneManagerTest::fieldsHaveNames()
              QStringLiteral("Profile description"));
     QCOMPARE(desk->ui.containerScroll->accessibleName(), QStringLiteral("Profile settings"));
     QCOMPARE(desk->ui.unitSettingsDisplay->accessibleName(), QStringLiteral("Device settings"));
-}
-
-void SettingsPaneManagerTest::readableUnderADarkPalette()
-{
-    const QPalette before = QApplication::palette();
-    const QString sheet = qApp->styleSheet();
-    qApp->setStyleSheet(QStringLiteral("QLineEdit{border-width: 2px;border-style: inset;}"
-                                       "QLineEdit:!enabled{border: none;color: black;}"));
-    QApplication::setPalette(QPalette(Qt::darkGray, QColor(40, 40, 40)));
-    desk = std::make_unique<Desk>();
-    desk->import("MMMMMM");
-    desk->select(0);
-    QList<int> contrasts;
-    for (const bool editing : {false, true}) {
-        if (editing)
-            desk->press(desk->ui.editProfileButton);
-        for (QLineEdit *field :
-             {desk->ui.profileSettingsName, desk->ui.profileSettingsDescription}) {
-            const QImage image = desk->window
-                                     .grab(QRect(field->mapTo(&desk->window, QPoint(4, 4)),
-                                                 field->size() - QSize(8, 8)))
-                                     .toImage();
-            int darkest = 255;
-            int lightest = 0;
-            for (int y = 0; y < image.height(); ++y) {
-                for (int x = 0; x < image.width(); ++x) {
-                    const int value = qGray(image.pixel(x, y));
-                    darkest = qMin(darkest, value);
-                    lightest = qMax(lightest, value);
-                }
-            }
-            contrasts.append(lightest - darkest);
-        }
-    }
-    QApplication::setPalette(before);
-    qApp->setStyleSheet(sheet);
-    for (const int contrast : qAsConst(contrasts))
-        QVERIFY2(contrast > 120, qPrintable(QString::number(contrast)));
 }
 
 void SettingsPaneManagerTest::namesAreNotClipped()
