@@ -1,6 +1,7 @@
 #include "editors/settingcheckboxextended.h"
 
 #include "SSGenerator/structsetting.h"
+#include "editors/fonts.h"
 #include "editors/settingscheckbox.h"
 
 #include <QBitmap>
@@ -36,9 +37,7 @@ SettingCheckboxExtended::SettingCheckboxExtended(StructSetting *setting, QWidget
       title(new QLabel(QLatin1String("<b>") + setting->descriptiveName + QLatin1String("?</b>"))),
       setting(setting)
 {
-    QFont font = title->font();
-    font.setPointSize(font.pointSize() + 2);
-    title->setFont(font);
+    enlargeFont(title, 2);
     title->setBuddy(checkBox);
     grid->addWidget(title, 0, 0, 1, 4);
     checkBox->bindSetting(setting);

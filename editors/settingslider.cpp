@@ -3,6 +3,7 @@
 #include "SSGenerator/formula.h"
 #include "SSGenerator/rounding.h"
 #include "SSGenerator/structsetting.h"
+#include "editors/fonts.h"
 #include "editors/numberspinbox.h"
 #include "editors/tickedslider.h"
 
@@ -77,9 +78,7 @@ SettingSlider::SettingSlider(StructSetting *setting, QString tooltip, QWidget *p
 void SettingSlider::addTitle(const QString &tooltip)
 {
     title = new QLabel(QLatin1String("<b>") + setting->descriptiveName + QLatin1String(":</b>"));
-    QFont font = title->font();
-    font.setPointSize(font.pointSize() + 2);
-    title->setFont(font);
+    enlargeFont(title, 2);
     if (!tooltip.isEmpty())
         title->setToolTip(QLatin1String("<FONT>") + tooltip + QLatin1String("</FONT>"));
     const bool previewed = setting->name == QLatin1String("brightness");

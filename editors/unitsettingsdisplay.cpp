@@ -3,6 +3,7 @@
 #include "SSGenerator/generator.h"
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
+#include "editors/fonts.h"
 #include "editors/settingcheckboxextended.h"
 #include "editors/settingslider.h"
 #include "editors/settingslineedit.h"
@@ -99,9 +100,7 @@ QWidget *UnitSettingsDisplay::addLineEdit(StructSetting *setting, const QString 
     auto *layout = new QVBoxLayout(row);
     auto *title =
         new QLabel(QLatin1String("<b>") + setting->descriptiveName + QLatin1String(":</b>"));
-    QFont font = title->font();
-    font.setPointSize(font.pointSize() + 2);
-    title->setFont(font);
+    enlargeFont(title, 2);
     if (!tooltip.isEmpty())
         title->setToolTip(QLatin1String("<FONT>") + tooltip + QLatin1String("</FONT>"));
     layout->addWidget(title);
