@@ -2,6 +2,7 @@
 #include "SSGenerator/structsettings.h"
 #include "editors/settingslider.h"
 #include "support/schemarecord.h"
+#include "support/typednumbers.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -43,6 +44,7 @@ private slots:
 
     void titleRow_data();
     void titleRow();
+    void titleIsLargerThanAFontInPixels();
     void tooltip_data();
     void tooltip();
     void spinBoxLook();
@@ -53,14 +55,17 @@ private slots:
     void startsAtTheValue();
     void everyValueGoesThroughUnchanged_data();
     void everyValueGoesThroughUnchanged();
+    void keysGiveEveryStep_data();
+    void keysGiveEveryStep();
     void spinBoxStores();
     void typedNumberEndsAtTheSetting_data();
     void typedNumberEndsAtTheSetting();
+    void pastedNumberEndsAtTheSetting_data();
     void pastedNumberEndsAtTheSetting();
     void typingWaitsForItsEnd();
     void textsFitTheSpinBox_data();
     void textsFitTheSpinBox();
-    void speaksCWhateverTheDesktopDoes();
+    void showsNoGroupsOfDigits();
     void sliderStores();
     void keyboardReachesBoth();
     void arrowsStepByTheSmallestUnit();
@@ -146,6 +151,18 @@ void SettingSliderTest::titleRow()
         QLayoutItem *item = grid->itemAtPosition(0, column);
         QCOMPARE(item && item->widget() == title, column < columns);
     }
+}
+
+void SettingSliderTest::titleIsLargerThanAFontInPixels()
+{
+    const QFont before = QApplication::font();
+    QFont inPixels = before;
+    inPixels.setPixelSize(16);
+    QApplication::setFont(inPixels);
+    show({lineNamed("x", "0", "9", "0", "5")});
+    const int usual = QFontInfo(inPixels).pointSize();
+    QApplication::setFont(before);
+    QCOMPARE(label(0, 0)->font().pointSize(), usual + 2);
 }
 
 void SettingSliderTest::tooltip_data()
@@ -330,6 +347,36 @@ void SettingSliderTest::everyValueGoesThroughUnchanged()
     }
 }
 
+void SettingSliderTest::keysGiveEveryStep_data()
+{
+    everyValueGoesThroughUnchanged_data();
+}
+
+void SettingSliderTest::keysGiveEveryStep()
+{
+    QFETCH(QString, lower);
+    QFETCH(QString, upper);
+    QFETCH(int, decimals);
+    QFETCH(int, from);
+    QFETCH(int, to);
+    show({lineNamed("x", lower, upper, QString::number(decimals), upper)});
+    const double scale = std::pow(10.0, decimals);
+    QTest::keyClick(slider, Qt::Key_Home);
+    for (int step = from; step <= to; ++step) {
+        QCOMPARE(setting->getNumber(), step / scale);
+        QCOMPARE(spinBox->text(), QString::number(step / scale, 'f', decimals));
+        QTest::keyClick(slider, Qt::Key_Right);
+    }
+    QCOMPARE(slider->value(), to);
+    for (int step = to; step > from; --step) {
+        QCOMPARE(setting->getNumber(), step / scale);
+        QTest::keyClick(spinBox, Qt::Key_Down);
+    }
+    QCOMPARE(slider->value(), from);
+    QTest::keyClick(slider, Qt::Key_End);
+    QCOMPARE(setting->getNumber(), to / scale);
+}
+
 void SettingSliderTest::spinBoxStores()
 {
     show({lineNamed("x", "0", "2", "2", "1")});
@@ -379,32 +426,43 @@ void SettingSliderTest::typedNumberEndsAtTheSetting()
 {
     QFETCH(QString, typed);
     QFETCH(QString, shown);
-    show({lineNamed("x", "0.5", "8", "1", "4")});
-    type(typed);
-    QCOMPARE(spinBox->text(), shown);
-    QCOMPARE(spinBox->value(), shown.toDouble());
-    QCOMPARE(setting->getNumber(), shown.toDouble());
-    QCOMPARE(slider->value(), qRound(shown.toDouble() * 10));
-    // Once more, from another value.
-    setting->setValue(7.7);
-    type("99");
-    QCOMPARE(spinBox->text(), QString("8.0"));
+    for (const QLocale &language : desktopLanguages()) {
+        const DefaultLanguage set(language);
+        show({lineNamed("x", "0.5", "8", "1", "4")});
+        type(typed);
+        QCOMPARE(spinBox->text(), shown);
+        QCOMPARE(spinBox->value(), shown.toDouble());
+        QCOMPARE(setting->getNumber(), shown.toDouble());
+        QCOMPARE(slider->value(), qRound(shown.toDouble() * 10));
+        // Once more, from another value.
+        setting->setValue(7.7);
+        type("99");
+        QCOMPARE(spinBox->text(), QString("8.0"));
+    }
+}
+
+void SettingSliderTest::pastedNumberEndsAtTheSetting_data()
+{
+    addPastedNumbers();
+    QTest::newRow("blanks keep the value") << "  "
+                                           << "4.0";
 }
 
 void SettingSliderTest::pastedNumberEndsAtTheSetting()
 {
-    show({lineNamed("x", "0.5", "8", "1", "4")});
-    QApplication::clipboard()->setText(" 6,25 ");
-    spinBox->selectAll();
-    spinBox->findChild<QLineEdit *>()->paste();
-    QTest::keyClick(spinBox, Qt::Key_Return);
-    QCOMPARE(setting->getNumber(), 6.3);
-    QCOMPARE(spinBox->text(), QString("6.3"));
-    QApplication::clipboard()->setText("nan");
-    spinBox->selectAll();
-    spinBox->findChild<QLineEdit *>()->paste();
-    QTest::keyClick(spinBox, Qt::Key_Return);
-    QCOMPARE(setting->getNumber(), 6.3);
+    QFETCH(QString, pasted);
+    QFETCH(QString, shown);
+    for (const QLocale &language : desktopLanguages()) {
+        const DefaultLanguage set(language);
+        show({lineNamed("x", "0.5", "8", "1", "4")});
+        QApplication::clipboard()->setText(pasted);
+        spinBox->selectAll();
+        spinBox->findChild<QLineEdit *>()->paste();
+        QTest::keyClick(spinBox, Qt::Key_Return);
+        QCOMPARE(spinBox->text(), shown);
+        QCOMPARE(setting->getNumber(), shown.toDouble());
+        QCOMPARE(slider->value(), qRound(shown.toDouble() * 10));
+    }
 }
 
 void SettingSliderTest::typingWaitsForItsEnd()
@@ -447,15 +505,15 @@ void SettingSliderTest::textsFitTheSpinBox()
     QApplication::setFont(before);
 }
 
-void SettingSliderTest::speaksCWhateverTheDesktopDoes()
+void SettingSliderTest::showsNoGroupsOfDigits()
 {
-    const QLocale before;
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    show({lineNamed("x", "0", "2000", "2", "1.5")});
-    QCOMPARE(spinBox->text(), QString("1.50"));
-    type("1234.5");
-    QCOMPARE(spinBox->text(), QString("1234.50"));
-    QLocale::setDefault(before);
+    for (const QLocale &language : desktopLanguages()) {
+        const DefaultLanguage set(language);
+        show({lineNamed("x", "0", "2000", "2", "1.5")});
+        QCOMPARE(spinBox->text(), QString("1.50"));
+        type("1234.5");
+        QCOMPARE(spinBox->text(), QString("1234.50"));
+    }
 }
 
 void SettingSliderTest::sliderStores()

@@ -2,6 +2,7 @@
 #include "SSGenerator/structsettings.h"
 #include "editors/settingslineedit.h"
 #include "support/schemarecord.h"
+#include "support/typednumbers.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -27,14 +28,12 @@ private slots:
     void showsAllDecimals();
     void typedNumberEndsAtTheSetting_data();
     void typedNumberEndsAtTheSetting();
+    void pastedNumberEndsAtTheSetting_data();
     void pastedNumberEndsAtTheSetting();
     void leavingTheFieldStores();
     void snapsBackAlsoWithoutASignal();
-    void refusesWhatIsNoNumber_data();
-    void refusesWhatIsNoNumber();
     void textsFromTheProgramAreNoDanger_data();
     void textsFromTheProgramAreNoDanger();
-    void speaksCWhateverTheDesktopDoes();
     void acceptsAnyNumber();
     void visitingChangesNothing_data();
     void visitingChangesNothing();
@@ -204,21 +203,36 @@ void SettingsLineEditTest::typedNumberEndsAtTheSetting()
 {
     QFETCH(QString, typed);
     QFETCH(QString, shown);
-    bind(numberLine("0.5", "8", "1", "4"));
-    type(typed);
-    QCOMPARE(edit->text(), shown);
-    QCOMPARE(setting->getNumber(), shown.toDouble());
+    for (const QLocale &language : desktopLanguages()) {
+        const DefaultLanguage set(language);
+        bind(numberLine("0.5", "8", "1", "4"));
+        type(typed);
+        QCOMPARE(edit->text(), shown);
+        QCOMPARE(setting->getNumber(), shown.toDouble());
+    }
+}
+
+void SettingsLineEditTest::pastedNumberEndsAtTheSetting_data()
+{
+    addPastedNumbers();
+    QTest::newRow("blanks") << "  "
+                            << "0.5";
 }
 
 void SettingsLineEditTest::pastedNumberEndsAtTheSetting()
 {
-    bind(numberLine("0.5", "8", "1", "4"));
-    QApplication::clipboard()->setText(" 6,25 ");
-    edit->selectAll();
-    edit->paste();
-    QTest::keyClick(edit.get(), Qt::Key_Return);
-    QCOMPARE(edit->text(), QString("6.3"));
-    QCOMPARE(setting->getNumber(), 6.3);
+    QFETCH(QString, pasted);
+    QFETCH(QString, shown);
+    for (const QLocale &language : desktopLanguages()) {
+        const DefaultLanguage set(language);
+        bind(numberLine("0.5", "8", "1", "4"));
+        QApplication::clipboard()->setText(pasted);
+        edit->selectAll();
+        edit->paste();
+        QTest::keyClick(edit.get(), Qt::Key_Return);
+        QCOMPARE(edit->text(), shown);
+        QCOMPARE(setting->getNumber(), shown.toDouble());
+    }
 }
 
 void SettingsLineEditTest::leavingTheFieldStores()
@@ -261,27 +275,6 @@ void SettingsLineEditTest::snapsBackAlsoWithoutASignal()
     QCOMPARE(changes.count(), 1);
 }
 
-void SettingsLineEditTest::refusesWhatIsNoNumber_data()
-{
-    QTest::addColumn<QString>("pasted");
-    QTest::newRow("nan") << "nan";
-    QTest::newRow("inf") << "inf";
-    QTest::newRow("word") << "five";
-    QTest::newRow("several numbers") << "1;2";
-}
-
-void SettingsLineEditTest::refusesWhatIsNoNumber()
-{
-    QFETCH(QString, pasted);
-    bind(numberLine("0", "8", "1", "4"));
-    QApplication::clipboard()->setText(pasted);
-    edit->selectAll();
-    edit->paste();
-    QTest::keyClick(edit.get(), Qt::Key_Return);
-    QCOMPARE(edit->text(), QString("4.0"));
-    QCOMPARE(setting->getNumber(), 4.0);
-}
-
 void SettingsLineEditTest::textsFromTheProgramAreNoDanger_data()
 {
     QTest::addColumn<QString>("text");
@@ -306,19 +299,6 @@ void SettingsLineEditTest::textsFromTheProgramAreNoDanger()
     edit->saveSetting();
     QTEST(edit->text(), "shown");
     QCOMPARE(setting->getNumber(), edit->text().toDouble());
-}
-
-void SettingsLineEditTest::speaksCWhateverTheDesktopDoes()
-{
-    const QLocale before;
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    bind(numberLine("0", "8", "1", "4"));
-    QCOMPARE(edit->text(), QString("4.0"));
-    type("5.5");
-    QCOMPARE(edit->text(), QString("5.5"));
-    type("6,5");
-    QCOMPARE(edit->text(), QString("6.5"));
-    QLocale::setDefault(before);
 }
 
 void SettingsLineEditTest::acceptsAnyNumber()
