@@ -276,6 +276,7 @@ void SettingSliderTest::sliderRange()
     QTEST(slider->minimum(), "minimum");
     QTEST(slider->maximum(), "maximum");
     QTEST(slider->tickInterval(), "ticks");
+    QCOMPARE(slider->pageStep(), qMax(1, slider->tickInterval()));
 }
 
 void SettingSliderTest::startsAtTheValue()
