@@ -16,9 +16,7 @@ QValidator::State NumberSpinBox::validate(QString &input, int &) const
 
 void NumberSpinBox::fixup(QString &input) const
 {
-    const QString number = TypedNumber::numberIn(input);
-    if (!number.isEmpty())
-        input = number;
+    input = TypedNumber::numberIn(input);
 }
 
 double NumberSpinBox::valueFromText(const QString &text) const

@@ -53,6 +53,7 @@ private slots:
     void sliderRange_data();
     void sliderRange();
     void startsAtTheValue();
+    void startsBeyondABoundThatMoved();
     void everyValueGoesThroughUnchanged_data();
     void everyValueGoesThroughUnchanged();
     void keysGiveEveryStep_data();
@@ -286,6 +287,20 @@ void SettingSliderTest::startsAtTheValue()
     QCOMPARE(spinBox->text(), QString("0.087"));
     QCOMPARE(slider->value(), 87);
     QCOMPARE(setting->getNumber(), 0.087);
+}
+
+void SettingSliderTest::startsBeyondABoundThatMoved()
+{
+    record = schemaRecord({lineNamed("x", "0", "9", "0", "5")});
+    setting = record->getOriginalOrderStructSettings().constFirst();
+    // Nobody feeds the value through the new bound: the next user who touches it does.
+    setting->setUpperBound("4");
+    const SettingSlider late(setting, QString());
+    QCOMPARE(late.findChild<QDoubleSpinBox *>()->value(), 5.0);
+    QCOMPARE(late.findChild<QSlider *>()->value(), 4);
+    QCOMPARE(setting->getNumber(), 5.0);
+    late.findChild<QDoubleSpinBox *>()->stepDown();
+    QCOMPARE(setting->getNumber(), 4.0);
 }
 
 void SettingSliderTest::everyValueGoesThroughUnchanged_data()

@@ -134,6 +134,10 @@ void SettingsLineEditTest::showsAllDecimals_data()
     QTest::newRow("decimals from a formula, truncated") << "5/2"
                                                         << "0"
                                                         << "0.00";
+    // 4 is rounded to 1265 / 10^2.5, which is 4.00028.
+    QTest::newRow("surplus digits are cut") << "5/2"
+                                            << "4"
+                                            << "4.00";
     QTest::newRow("exponent without decimals") << "0"
                                                << "1000000"
                                                << "1e+06";

@@ -36,6 +36,7 @@ private slots:
     void picturesTheDisplayAlone();
     void tooltips_data();
     void tooltips();
+    void noTooltipWithoutAText();
     void isEditableBeforeAnyCharger();
     void opensSilently();
     void tellsEveryChange();
@@ -177,6 +178,19 @@ void UnitSettingsDisplayTest::tooltips()
     QVERIFY2(beginning.isEmpty() || text.startsWith(beginning), qPrintable(text));
     QCOMPARE(text.isEmpty(), beginning.isEmpty());
     QVERIFY(text.isEmpty() || text.endsWith("</FONT>"));
+}
+
+void UnitSettingsDisplayTest::noTooltipWithoutAText()
+{
+    const auto record =
+        schemaRecord({"char a; // num, auto, 0, 9, *1, 0, \"A\", \"\", \"a\", 5, 0, advanced",
+                      "char b; // bool, 1, \"B\", \"b\", 0, 1, advanced",
+                      "char c[6]; // string, auto, \"C\", \"c\", \"Nobody\", 2, advanced"});
+    const UnitSettingsDisplay other(record.get(), generator.get());
+    const auto labels = other.findChildren<QLabel *>();
+    QCOMPARE(labels.size(), 4); // a unit among them
+    for (const QLabel *label : labels)
+        QCOMPARE(label->toolTip(), QString());
 }
 
 void UnitSettingsDisplayTest::isEditableBeforeAnyCharger()
