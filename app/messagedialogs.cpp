@@ -5,8 +5,13 @@
 #include "app/filenames.h"
 
 #include <QGridLayout>
+#include <QGuiApplication>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSpacerItem>
 
 #include <memory>
@@ -32,6 +37,29 @@ QString link(const QString &address, const QString &text)
 {
     return QStringLiteral("<a href = \"") + address + QStringLiteral("\">") + text +
            QStringLiteral("</a>");
+}
+
+/// Lets a text scroll that would make its box higher than the screen. For a box that is complete.
+void keepOnScreen(QMessageBox *box)
+{
+    auto *text = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
+    auto *grid = qobject_cast<QGridLayout *>(box->layout());
+    const int place = text && grid ? grid->indexOf(text) : -1;
+    const int highest = QGuiApplication::primaryScreen()->availableGeometry().height() * 3 / 4;
+    if (place == -1 || text->sizeHint().height() <= highest)
+        return;
+    int row = 0;
+    int column = 0;
+    int rows = 0;
+    int columns = 0;
+    grid->getItemPosition(place, &row, &column, &rows, &columns);
+    auto *area = new QScrollArea(box);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setMinimumSize(text->sizeHint().width() + area->verticalScrollBar()->sizeHint().width(),
+                         highest);
+    grid->removeWidget(text);
+    area->setWidget(text);
+    grid->addWidget(area, row, column, rows, columns);
 }
 
 /// A message box has no minimum width of its own: a row below its parts holds it open.
@@ -64,6 +92,7 @@ int MessageDialogs::incompatibleProfilesNotImported(QWidget *parent, QString vol
     const std::unique_ptr<QMessageBox> box(incompatibleProfilesRoot(
         new QMessageBox(parent), voltage, tr("They can not be imported."), names));
     box->setIcon(QMessageBox::Information);
+    keepOnScreen(box.get());
     return box->exec();
 }
 
@@ -78,6 +107,7 @@ int MessageDialogs::continueWithoutIncompatibleProfiles(QWidget *parent, QString
     box->addButton(QMessageBox::Yes);
     // Enter must not throw profiles away.
     box->setDefaultButton(QMessageBox::No);
+    keepOnScreen(box.get());
     return box->exec();
 }
 

@@ -4,6 +4,8 @@
 #include "support/messageboxanswers.h"
 
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTest>
 #include <QWidget>
 
@@ -31,6 +33,8 @@ private slots:
     void boxes();
     void continueWithoutProfiles_data();
     void continueWithoutProfiles();
+    void manyNamesStayOnTheScreen_data();
+    void manyNamesStayOnTheScreen();
     void enterRemovesNoProfiles();
     void askDeleteAll_data();
     void askDeleteAll();
@@ -182,6 +186,39 @@ void MessageDialogsTest::continueWithoutProfiles()
                             "sure you would like to continue?"));
     QCOMPARE(box.buttons.size(), 2);
     QVERIFY(parent.findChildren<QMessageBox *>().isEmpty());
+}
+
+void MessageDialogsTest::manyNamesStayOnTheScreen_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<bool>("scrolls");
+    QTest::newRow("a delivered set") << 17 << false;
+    QTest::newRow("a large file") << 5000 << true;
+}
+
+void MessageDialogsTest::manyNamesStayOnTheScreen()
+{
+    QFETCH(int, count);
+    QStringList names;
+    for (int i = 0; i < count; ++i)
+        names.append(QStringLiteral("Profile %1 - x").arg(i));
+    MessageBoxAnswers answers;
+    QRect place;
+    bool scrolls = false;
+    bool buttonInSight = false;
+    answers.push([&](QMessageBox *box) {
+        place = box->geometry();
+        const auto *area = box->findChild<QScrollArea *>();
+        scrolls = area && area->isVisible();
+        const QAbstractButton *button = box->buttons().first();
+        buttonInSight = box->rect().contains(button->geometry());
+        box->close();
+    });
+    MessageDialogs::incompatibleProfilesNotImported(nullptr, "48", names);
+    QTEST(scrolls, "scrolls");
+    QVERIFY(place.height() < QGuiApplication::primaryScreen()->availableGeometry().height());
+    QVERIFY(buttonInSight);
+    QVERIFY(answers.seen().first().text.contains("\nProfile " + QString::number(count - 1)));
 }
 
 void MessageDialogsTest::enterRemovesNoProfiles()
