@@ -9,7 +9,6 @@ DisplayUnitStats::DisplayUnitStats(HParser::Generator *generator, QWidget *paren
 {
     ui->setupUi(this);
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::ApplicationModal);
     new AdvancedSettingsGrid(generator->getUnitStatsStruct(), generator, nullptr, ui->unitstats);
     ui->OKButton->setFocus();
     connect(ui->OKButton, &QPushButton::clicked, this, &DisplayUnitStats::on_OKButtonClicked);

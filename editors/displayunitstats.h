@@ -15,7 +15,8 @@ class DisplayUnitStats;
 }
 
 /// Shows what the charger counted in its lifetime, as it was last read; the schema's defaults where
-/// nothing has been read. Application-modal; deletes itself on close.
+/// nothing has been read. New figures show at once; those of a schema that has gone stay as they
+/// were. Not modal, so that it can stay open beside the window; deletes itself on close.
 class DisplayUnitStats : public QDialog
 {
     Q_OBJECT

@@ -9,8 +9,10 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
+#include <QWindow>
 
 class DisplayUnitStatsTest : public QObject
 {
@@ -28,6 +30,9 @@ private slots:
     void nothingCanBeEdited();
     void noHelpTexts();
     void wholeFigureOfAShortField();
+    void leavesTheOtherWindowsAlone();
+    void newFiguresShowAtOnce();
+    void figuresStayWhenTheSchemaGoes();
     void closes_data();
     void closes();
     void blackOnWhiteEverywhere_data();
@@ -99,7 +104,6 @@ void DisplayUnitStatsTest::form()
 {
     open();
     QCOMPARE(dialog->objectName(), "DisplayUnitStats");
-    QCOMPARE(dialog->windowModality(), Qt::ApplicationModal);
     QCOMPARE(dialog->findChild<QLabel *>("title")->text(), "Device Lifetime Stats");
     QVERIFY(dialog->findChild<QFrame *>("line"));
     QCOMPARE(dialog->findChild<QWidget *>("unitstats")->styleSheet(), "background-color: white;");
@@ -164,19 +168,62 @@ void DisplayUnitStatsTest::wholeFigureOfAShortField()
     QCOMPARE(dialog->findChildren<SettingsLineEdit *>().last()->toolTip(), "1234567.5 Wh");
 }
 
+void DisplayUnitStatsTest::leavesTheOtherWindowsAlone()
+{
+    QPushButton behind("Behind");
+    behind.show();
+    open();
+    QVERIFY(!dialog->isModal());
+    QVERIFY(!QApplication::activeModalWidget());
+    QSignalSpy clicked(&behind, &QPushButton::clicked);
+    QTest::mouseClick(behind.windowHandle(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+    QCOMPARE(clicked.count(), 1);
+
+    // A second one is a dialog of its own.
+    const QPointer<DisplayUnitStats> first = dialog;
+    open();
+    first->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!first);
+    QVERIFY(dialog && dialog->isVisible());
+}
+
+void DisplayUnitStatsTest::newFiguresShowAtOnce()
+{
+    open();
+    count("charge_cycles", 12);
+    QCOMPARE(shown().at(2), "12");
+    for (const auto *field : dialog->findChildren<SettingsLineEdit *>())
+        QVERIFY(!field->isEnabled());
+}
+
+void DisplayUnitStatsTest::figuresStayWhenTheSchemaGoes()
+{
+    count("charge_cycles", 12);
+    open();
+    QVERIFY(generator.parseSSAndTooltips());
+    dialog->grab();
+    QCOMPARE(shown().at(2), "12");
+    count("charge_cycles", 13);
+    QCOMPARE(shown().at(2), "12");
+}
+
 void DisplayUnitStatsTest::closes_data()
 {
     QTest::addColumn<int>("key");
     QTest::newRow("by the button") << 0;
     QTest::newRow("Return") << int(Qt::Key_Return);
     QTest::newRow("Escape") << int(Qt::Key_Escape);
+    QTest::newRow("by the window's cross") << -1;
 }
 
 void DisplayUnitStatsTest::closes()
 {
     QFETCH(int, key);
     open();
-    if (key)
+    if (key < 0)
+        dialog->close();
+    else if (key)
         QTest::keyClick(dialog, Qt::Key(key));
     else
         QTest::mouseClick(dialog->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
