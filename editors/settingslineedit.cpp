@@ -28,6 +28,32 @@ QString padded(const QString &number, int decimals)
     return whole + QLatin1Char('.') + fraction.leftJustified(decimals, QLatin1Char('0'), true);
 }
 
+bool wholeDigitsFit(const QString &number, int room)
+{
+    return number.section(QLatin1Char('.'), 0, 0).size() <= room;
+}
+
+/// text, which tells number, for this many characters. The field may cut decimals off; where it
+/// would cut into the whole digits or the exponent, and so show another number, "1.2e5" stands.
+QString fitted(const QString &text, double number, int decimals, int room)
+{
+    const bool hasExponent = text.contains(QLatin1Char('e'));
+    if (text.size() <= room || (!hasExponent && wholeDigitsFit(text, room)))
+        return text;
+    const QString plain = QString::number(number, 'f', qMax(0, decimals));
+    if (wholeDigitsFit(plain, room))
+        return plain;
+    QString shortest;
+    for (int digits = 5; digits >= 0; --digits) {
+        shortest = QString::number(number, 'e', digits)
+                       .replace(QLatin1String("e+0"), QLatin1String("e"))
+                       .remove(QLatin1Char('+'));
+        if (shortest.size() <= room)
+            break;
+    }
+    return shortest;
+}
+
 } // namespace
 
 SettingsLineEdit::SettingsLineEdit(bool shaded, QWidget *parent) : QLineEdit(parent)
@@ -104,7 +130,9 @@ void SettingsLineEdit::updateView()
 
 void SettingsLineEdit::showNumber()
 {
-    setText(padded(setting->getValue(), HParser::truncatedToInt32(setting->decimals->toDouble())));
+    const int decimals = HParser::truncatedToInt32(setting->decimals->toDouble());
+    setText(
+        fitted(padded(setting->getValue(), decimals), setting->getNumber(), decimals, maxLength()));
     // What is really shown: a field may be too short for the number.
     shownNumber = text();
 }

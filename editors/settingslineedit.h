@@ -31,7 +31,8 @@ public:
 public slots:
     void on_editingFinished();
     void on_enableView(bool on);
-    /// Shows the number that the setting holds. Texts are left alone.
+    /// Shows the number that the setting holds. Texts are left alone. A short maximum length may
+    /// cost decimals, but no whole digits: there the number is shortened by an exponent.
     void updateView();
 
 private:

@@ -163,9 +163,13 @@ void DisplayUnitStatsTest::noHelpTexts()
 
 void DisplayUnitStatsTest::wholeFigureOfAShortField()
 {
+    count("ah_total", 12345678.5);
     count("wh_total", 1234567.5);
     open();
-    QCOMPARE(dialog->findChildren<SettingsLineEdit *>().last()->toolTip(), "1234567.5 Wh");
+    QCOMPARE(shown().mid(3), QStringList({"1.235e7", "1234567"}));
+    const auto fields = dialog->findChildren<SettingsLineEdit *>();
+    QCOMPARE(fields.at(3)->toolTip(), "12345678.5 Ah");
+    QCOMPARE(fields.at(4)->toolTip(), "1234567.5 Wh");
 }
 
 void DisplayUnitStatsTest::leavesTheOtherWindowsAlone()

@@ -518,6 +518,7 @@ void SettingsGridsTest::shortFieldTellsTheWholeNumber()
     QCOMPARE(field->accessibleDescription(), "Ah");
 
     sum->setValue(1234567.25);
+    QCOMPARE(field->text(), "1.23e6");
     QCOMPARE(field->toolTip(), "1234567.25 Ah");
     QCOMPARE(field->accessibleDescription(), "1234567.25 Ah");
     // A visit stores nothing of what is cut.

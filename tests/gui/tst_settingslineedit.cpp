@@ -7,10 +7,12 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDoubleValidator>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
 
+#include <cmath>
 #include <limits>
 #include <memory>
 
@@ -37,6 +39,9 @@ private slots:
     void acceptsAnyNumber();
     void visitingChangesNothing_data();
     void visitingChangesNothing();
+    void shortFieldShowsNoOtherNumber_data();
+    void shortFieldShowsNoOtherNumber();
+    void shortFieldStaysNearTheNumber();
     void followsTheSetting();
     void enablesWithTheSetting();
     void closedSettingKeepsItsDefault();
@@ -325,6 +330,7 @@ void SettingsLineEditTest::visitingChangesNothing_data()
     QTest::newRow("more than six digits") << "2" << 123456.78 << 20;
     QTest::newRow("exponent") << "0" << 12345678.0 << 20;
     QTest::newRow("field too short for the number") << "3" << 123.456 << 5;
+    QTest::newRow("field too short for the whole digits") << "0" << 12345678.0 << 5;
 }
 
 void SettingsLineEditTest::visitingChangesNothing()
@@ -342,6 +348,62 @@ void SettingsLineEditTest::visitingChangesNothing()
     QCOMPARE(setting->getNumber(), value);
     QCOMPARE(changes.count(), 0);
     QCOMPARE(edit->text(), shown);
+}
+
+void SettingsLineEditTest::shortFieldShowsNoOtherNumber_data()
+{
+    QTest::addColumn<int>("places");
+    QTest::addColumn<QString>("decimals");
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("decimals are cut") << 5 << "2" << 123.46 << "123.4";
+    QTest::newRow("up to the point") << 5 << "1" << 1234.5 << "1234.";
+    QTest::newRow("and the point too") << 5 << "1" << 12345.6 << "12345";
+    QTest::newRow("whole digits just fit") << 5 << "0" << 99999.0 << "99999";
+    QTest::newRow("one whole digit too many") << 5 << "0" << 123456.0 << "1.2e5";
+    QTest::newRow("and decimals") << 5 << "1" << 123456.7 << "1.2e5";
+    QTest::newRow("round") << 5 << "0" << 100000.0 << "1.0e5";
+    QTest::newRow("rounded up") << 5 << "0" << 999999.0 << "1.0e6";
+    QTest::newRow("exponent that fits") << 5 << "0" << 1000000.0 << "1e+06";
+    QTest::newRow("exponent, shortened") << 5 << "0" << 1234567.0 << "1.2e6";
+    QTest::newRow("exponent of two digits") << 5 << "0" << 1234567890.0 << "1.2e9";
+    QTest::newRow("exponent in a longer field") << 6 << "0" << 1234567890.0 << "1.23e9";
+    QTest::newRow("exponent that can be spelled out") << 7 << "1" << 1234567.5 << "1234567";
+    QTest::newRow("exponent in seven places") << 7 << "1" << 12345678.9 << "1.235e7";
+    QTest::newRow("negative") << 6 << "1" << -123456.7 << "-1.2e5";
+    QTest::newRow("one digit and a sign") << 5 << "1" << -123456.7 << "-1e5";
+    QTest::newRow("negative, seven digits") << 7 << "1" << -1234567.8 << "-1.23e6";
+    QTest::newRow("tiny") << 5 << "6" << 0.000012 << "0.000";
+}
+
+void SettingsLineEditTest::shortFieldShowsNoOtherNumber()
+{
+    QFETCH(int, places);
+    QFETCH(QString, decimals);
+    QFETCH(double, value);
+    bind(numberLine("-9999999999", "9999999999", decimals, "0"));
+    edit->setMaxLength(places);
+    setting->setValue(value);
+    QCOMPARE(setting->getNumber(), value);
+    QTEST(edit->text(), "shown");
+    QVERIFY(edit->hasAcceptableInput());
+}
+
+void SettingsLineEditTest::shortFieldStaysNearTheNumber()
+{
+    QRandomGenerator random(20);
+    for (int round = 0; round < 2000; ++round) {
+        const int places = random.bounded(5, 8);
+        const int decimals = random.bounded(4);
+        bind(numberLine("-2000000000", "2000000000", QString::number(decimals), "0"));
+        edit->setMaxLength(places);
+        const double sign = places > 5 && random.bounded(2) ? -1 : 1;
+        setting->setValue(sign * std::pow(10, random.bounded(9.0 - decimals)));
+        const double value = setting->getNumber();
+        const double error = qAbs(edit->text().toDouble() - value);
+        QVERIFY2(error < 1 || error < qAbs(value) * 0.055,
+                 qPrintable(QString("%1: %2").arg(value, 0, 'f').arg(edit->text())));
+    }
 }
 
 void SettingsLineEditTest::followsTheSetting()

@@ -216,8 +216,8 @@ void StatsSettingsGridTest::fitsHoursToTheField_data()
                                  << "12345";
     QTest::newRow("ten thousand") << 10000.0 << "0"
                                   << "10000";
-    QTest::newRow("six digits, cut") << 123456.0 << "0"
-                                     << "12345";
+    QTest::newRow("six digits") << 123456.0 << "0"
+                                << "1.2e5";
 }
 
 void StatsSettingsGridTest::fitsHoursToTheField()
@@ -305,6 +305,7 @@ void StatsSettingsGridTest::shortFieldTellsTheWholeFigure()
     show();
     QCOMPARE(fieldOf("chargetime_s")->toolTip(), "123.46 h");
     QCOMPARE(fieldOf("chargetime_s")->accessibleDescription(), "123.46 h");
+    QCOMPARE(fieldOf("Wh")->text(), "1.2e6");
     QCOMPARE(fieldOf("Wh")->toolTip(), "1234567 Wh");
     QCOMPARE(fieldOf("Ah")->toolTip(), "");
     QCOMPARE(fieldOf("Ah")->accessibleDescription(), "Ah");
