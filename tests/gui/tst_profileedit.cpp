@@ -1,3 +1,6 @@
+#include "ImportProfiles/importprofilesmain.h"
+#include "ImportProfiles/parsedfselement.h"
+#include "SSGenerator/formula.h"
 #include "SSGenerator/generator.h"
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
@@ -6,6 +9,7 @@
 #include "editors/settingslineedit.h"
 #include "profiles/profilesettings.h"
 #include "profiles/profilestats.h"
+#include "support/messageboxanswers.h"
 #include "support/schemarecord.h"
 
 #include <QApplication>
@@ -13,6 +17,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
+#include <QRandomGenerator>
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTest>
@@ -58,6 +63,8 @@ private slots:
     void longNamesWidenTheForm();
     void recordWithoutVisibleSettings();
     void goneFormLeavesTheProfileAlone();
+    void visitOfAnImportedProfileChangesNothing_data();
+    void visitOfAnImportedProfileChangesNothing();
 
 private:
     void make(const QString &chemistry);
@@ -102,6 +109,45 @@ const StructSetting *settingOf(const QWidget *field)
 QRect edges(int left, int top, int right, int bottom)
 {
     return QRect(QPoint(left, top), QPoint(right, bottom));
+}
+
+/// A record of this chemistry as a charger may hold it, values anywhere within their bounds; the
+/// advanced ones all, some or none of them at their defaults.
+ImportProfiles::ParsedFSElement *randomElement(const QString &chemistry,
+                                               const HParser::Generator &generator,
+                                               QRandomGenerator *random, QObject *owner)
+{
+    const std::unique_ptr<StructSettings> record(
+        generator.copyFlashstackElementSettings(chemistry));
+    record->buildFormulaTrees();
+    const int changedOfThree = random->bounded(4);
+    for (StructSetting *setting : record->getDependancyOrderStructSettings()) {
+        setting->advancedEnabled = setting->isBasic || random->bounded(3) < changedOfThree;
+        if (setting->settingKind == HParser::SettingKind::Bool) {
+            setting->setValue(random->bounded(2) == 1);
+        } else if (setting->settingKind == HParser::SettingKind::Num) {
+            const double lowest = setting->lowerBound->toDouble();
+            const double highest = setting->upperBound->toDouble();
+            const int step = random->bounded(7); // the bounds themselves come often
+            setting->setValue(step < 5 ? lowest + random->bounded(1.0) * (highest - lowest)
+                                       : (step == 5 ? lowest : highest));
+        }
+    }
+    record->getStructSettingByName("profile_id")->setValue(3.0);
+    QMap<QString, QString> properties = {{"name", chemistry}};
+    for (const StructSetting *setting : record->getOriginalOrderStructSettings())
+        properties.insert(setting->xmlName, setting->getValue());
+    auto *element = new ImportProfiles::ParsedFSElement(owner);
+    element->setProperties(properties);
+    return element;
+}
+
+QVector<double> numbersOf(const StructSettings *record)
+{
+    QVector<double> numbers;
+    for (const StructSetting *setting : record->getOriginalOrderStructSettings())
+        numbers += setting->getNumber();
+    return numbers;
 }
 
 /// What a widget needs to show all its text.
@@ -544,6 +590,57 @@ void ProfileEditTest::goneFormLeavesTheProfileAlone()
     QVERIFY(member("bulk_I")->setValue(2.0));
     profile.structSettings->setAdvancedSettingsEdited(true);
     QCOMPARE(member("bulk_I")->getValue(), "2");
+}
+
+void ProfileEditTest::visitOfAnImportedProfileChangesNothing_data()
+{
+    QTest::addColumn<QString>("schema");
+    QTest::addColumn<QString>("chemistry");
+    for (const char *schema : {"master", "24V_rev7", "48V_FSv1", "48V_FSv2", "72V_rev7"}) {
+        for (const char *chemistry : {"Nickel", "Lead", "Lithium"})
+            QTest::addRow("%s, %s", schema, chemistry) << schema << chemistry;
+    }
+}
+
+void ProfileEditTest::visitOfAnImportedProfileChangesNothing()
+{
+    QFETCH(QString, schema);
+    QFETCH(QString, chemistry);
+    MessageBoxAnswers noBox;
+    HParser::Generator hardware;
+    hardware.parseSSFile(VELANTOR_BUNDLE_MEMBERS "/" + schema + ".ss");
+    ImportProfiles::ImportProfilesMain importer(nullptr, &hardware);
+    QRandomGenerator random(7);
+    int overridden = 0;
+    for (int round = 0; round < 60; ++round) {
+        QObject owner;
+        const auto imported = importer.createProfileSettings(
+            {randomElement(chemistry, hardware, &random, &owner)}, {}, {});
+        QCOMPARE(imported.size(), 1);
+        profile = *imported.first();
+        delete imported.first();
+        ownRecord.reset(profile.structSettings);
+        overridden += ownRecord->getAdvancedSettingsEdited();
+        const bool wasOverridden = ownRecord->getAdvancedSettingsEdited();
+        const std::unique_ptr<StructSettings> before(ownRecord->deepCopyWithValues());
+        QVERIFY(before->compare(ownRecord.get()));
+        const auto numbers = numbersOf(ownRecord.get());
+
+        form = std::make_unique<ProfileEdit>(&hardware, &profile);
+        for (const bool editing : {false, true, false}) {
+            form->enableEditingSlot(editing);
+            for (auto *field : form->findChildren<SettingsLineEdit *>())
+                field->saveSetting();
+            QVERIFY(ownRecord->compare(before.get()));
+            QCOMPARE(numbersOf(ownRecord.get()), numbers);
+            QCOMPARE(ownRecord->getAdvancedSettingsEdited(), wasOverridden);
+            QCOMPARE(button()->isChecked(), wasOverridden);
+            QCOMPARE(importer.areAdvancedSettingsDefault(ownRecord.get()), !wasOverridden);
+        }
+        form.reset();
+    }
+    QVERIFY(overridden > 10 && overridden < 55);
+    QVERIFY(noBox.seen().isEmpty());
 }
 
 QTEST_MAIN(ProfileEditTest)
