@@ -48,7 +48,9 @@ SettingsLineEdit *SettingsGrid::newLineEdit(StructSetting *setting, int width, i
 {
     auto *field = new SettingsLineEdit(true, parentWidget());
     field->setFixedWidth(width);
-    field->setMaxLength(maxLength);
+    // A text that was cut to be shown would be stored cut by the first visit.
+    if (setting->settingKind == SettingKind::Num)
+        field->setMaxLength(maxLength);
     field->bindSetting(setting);
     if (setting->settingKind == SettingKind::Num) {
         tellWholeFigure(field, setting);

@@ -57,6 +57,8 @@ private slots:
     void namesAreNoMarkup();
     void shortFieldTellsTheWholeNumber();
     void textIsNeverCut();
+    void listIsNeverCut();
+    void unknownKindTakesNothing();
     void emptyVisualList();
 
 private:
@@ -545,6 +547,48 @@ void SettingsGridsTest::textIsNeverCut()
     init();
     const auto *owner = at<SettingsLineEdit>(advancedOf(record.get()), 0, 3);
     QCOMPARE(owner->text(), "Bicycle kitchen");
+}
+
+void SettingsGridsTest::listIsNeverCut()
+{
+    for (const char *group : {"basic", "advanced"}) {
+        init();
+        const auto record =
+            schemaRecord({QString("char mode; // list, auto, \"Mode\", \"mode\", \"Float\", 0, "
+                                  "\"Float\", \"Constant current\", %1")
+                              .arg(group)});
+        StructSetting *mode = record->getStructSettingByName("mode");
+        mode->setValue(QString("Constant current"));
+        const SettingsGrid *grid = mode->isBasic
+                                       ? static_cast<SettingsGrid *>(basicOf(record.get()))
+                                       : static_cast<SettingsGrid *>(advancedOf(record.get()));
+        auto *field = qobject_cast<SettingsLineEdit *>(grid->getFields().first());
+        QCOMPARE(field->text(), "Constant current");
+        QTest::keyClick(field, Qt::Key_Return);
+        field->saveSetting();
+        QCOMPARE(mode->getValue(), "Constant current");
+    }
+}
+
+void SettingsGridsTest::unknownKindTakesNothing()
+{
+    for (const char *group : {"basic", "advanced"}) {
+        init();
+        const auto record = schemaRecord(
+            {QString("char blob; // blob, auto, \"Blob\", \"blob\", 0, %1").arg(group)});
+        QVERIFY(basicOf(record.get())->getFields().isEmpty());
+        // Nor does it harm where it is shown.
+        init();
+        record->setStructSettings(record->getOriginalOrderStructSettings());
+        AdvancedSettingsGrid *grid = advancedOf(record.get());
+        auto *field = at<SettingsLineEdit>(grid, 0, 3);
+        QCOMPARE(field->text(), "");
+        grid->setAdvancedMode(true);
+        field->setText("x");
+        field->saveSetting();
+        grid->setAdvancedMode(false);
+        QCOMPARE(record->getStructSettingByName("blob")->getValue(), "ERROR");
+    }
 }
 
 void SettingsGridsTest::emptyVisualList()
