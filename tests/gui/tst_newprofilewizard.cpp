@@ -7,6 +7,7 @@
 #include "editors/settingscheckbox.h"
 #include "editors/settingslineedit.h"
 #include "profiles/profilesettings.h"
+#include "support/schemarecord.h"
 #include "support/workingdirectory.h"
 
 #include <QApplication>
@@ -18,6 +19,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -57,6 +59,11 @@ private slots:
     void backStartsAnew();
     void oldFormCannotWriteIntoTheNewProfile();
     void backForgetsTheOverride();
+    void backAfterTypingForgetsIt();
+    void twoAtOnceShareNothing();
+    void finishedProfileIsNewAndStays();
+    void longRecordIsScrolledTo();
+    void recordWithoutVisibleSettings();
     void cancelHandsNothingOn_data();
     void cancelHandsNothingOn();
     void returnInAFieldOnlyEndsTheTyping();
@@ -349,18 +356,46 @@ void NewProfileWizardTest::finishTakesTheFieldBeingEdited_data()
     QTest::newRow("number beyond its bound") << "full_V"
                                              << "480"
                                              << "63";
+    QTest::newRow("number that ends with its point") << "full_V"
+                                                     << "40."
+                                                     << "40";
+    QTest::newRow("number without its exponent") << "full_V"
+                                                 << "40e"
+                                                 << "40";
+    QTest::newRow("sign alone") << "full_V"
+                                << "-"
+                                << "12";
+    QTest::newRow("point alone") << "full_V"
+                                 << "."
+                                 << "12";
+    QTest::newRow("nothing") << "full_V"
+                             << ""
+                             << "12";
+    QTest::newRow("no name") << "title"
+                             << ""
+                             << "";
 }
 
 void NewProfileWizardTest::finishTakesTheFieldBeingEdited()
 {
     QFETCH(QString, member);
     QFETCH(QString, text);
-    open();
-    choose("Lithium");
-    type(member.toUtf8(), text);
-    // As a screen reader does it: the focus stays in the field.
-    button("finishButton")->click();
-    QTEST(valueOf(member.toUtf8()), "value");
+    for (const bool byMouse : {true, false}) {
+        open();
+        choose("Lithium");
+        type(member.toUtf8(), text);
+        if (text.isEmpty())
+            QTest::keyClick(wizard->focusWidget(), Qt::Key_Delete);
+        if (byMouse)
+            QTest::mouseClick(button("finishButton"), Qt::LeftButton);
+        else // as a screen reader does it: the focus stays in the field
+            button("finishButton")->click();
+        QCOMPARE(made->count(), 1);
+        QTEST(valueOf(member.toUtf8()), "value");
+        settle();
+        QVERIFY(!wizard);
+        QTEST(valueOf(member.toUtf8()), "value");
+    }
 }
 
 void NewProfileWizardTest::nameStopsAtTheLengthOfTheRecord()
@@ -480,30 +515,105 @@ void NewProfileWizardTest::backForgetsTheOverride()
 void NewProfileWizardTest::cancelHandsNothingOn_data()
 {
     QTest::addColumn<bool>("chosen");
-    QTest::addColumn<bool>("byKey");
-    QTest::newRow("button, choosing") << false << false;
-    QTest::newRow("button, editing") << true << false;
-    QTest::newRow("escape, choosing") << false << true;
-    QTest::newRow("escape, editing") << true << true;
+    QTest::addColumn<QString>("way");
+    for (const char *way : {"button", "escape", "cross"}) {
+        QTest::addRow("%s, choosing", way) << false << way;
+        QTest::addRow("%s, editing", way) << true << way;
+    }
 }
 
 void NewProfileWizardTest::cancelHandsNothingOn()
 {
     QFETCH(bool, chosen);
-    QFETCH(bool, byKey);
+    QFETCH(QString, way);
     open();
     if (chosen) {
         choose("Nickel");
         type("title", "Tandem");
+        button("editAdvanced")->click();
     }
-    if (byKey)
+    if (way == "escape")
         QTest::keyClick(wizard->focusWidget(), Qt::Key_Escape);
+    else if (way == "cross")
+        wizard->close();
     else
         QTest::mouseClick(button("cancelButton"), Qt::LeftButton);
     QVERIFY(!wizard || !wizard->isVisible());
     settle();
     QVERIFY(!wizard);
     QCOMPARE(made->count(), 0);
+
+    // Nothing of it is in the next one.
+    open();
+    choose("Nickel");
+    QCOMPARE(fieldOf("title")->text(), "Nickel");
+    QVERIFY(!button("editAdvanced")->isChecked());
+    QVERIFY(!fieldOf("start_I")->isEnabled());
+}
+
+void NewProfileWizardTest::twoAtOnceShareNothing()
+{
+    open();
+    const QPointer<NewProfileWizard> first = wizard;
+    const auto firstMade = std::move(made);
+    choose("Lithium");
+    type("title", "First");
+    button("editAdvanced")->click();
+    type("start_I", "1.5");
+
+    open();
+    choose("Lithium");
+    QCOMPARE(fieldOf("title")->text(), "Lithium");
+    QCOMPARE(fieldOf("start_I")->text(), "0.20");
+    type("title", "Second");
+    button("finishButton")->click();
+    settle();
+    QVERIFY(!wizard && first);
+    QCOMPARE(firstMade->count(), 0);
+    const ProfileSettings *second = profile();
+    QCOMPARE(valueOf("title"), "Second");
+    QCOMPARE(valueOf("start_I"), "0.2");
+
+    wizard = first;
+    button("finishButton")->click();
+    made->clear();
+    QCOMPARE(firstMade->count(), 1);
+    const auto *other = firstMade->at(0).at(0).value<ProfileSettings *>();
+    QVERIFY(other != second && other->structSettings != second->structSettings);
+    QCOMPARE(other->structSettings->getStructSettingByName("title")->getValue(), "First");
+    QCOMPARE(other->structSettings->getStructSettingByName("start_I")->getValue(), "1.5");
+    QVERIFY(!second->structSettings->getAdvancedSettingsEdited());
+}
+
+void NewProfileWizardTest::backAfterTypingForgetsIt()
+{
+    open();
+    choose("Lithium");
+    type("title", "Commuter");
+    // As a screen reader does it: the focus stays in the field.
+    button("backButton")->click();
+    QVERIFY(wizard->focusWidget() == button("Nickel"));
+    settle();
+    choose("Lithium");
+    QCOMPARE(fieldOf("title")->text(), "Lithium");
+    button("finishButton")->click();
+    QCOMPARE(valueOf("title"), "Lithium");
+}
+
+void NewProfileWizardTest::finishedProfileIsNewAndStays()
+{
+    const WorkingDirectory folder;
+    QFile master(VELANTOR_BUNDLE_MEMBERS "/master.ss");
+    QVERIFY(master.open(QIODevice::ReadOnly));
+    QByteArray text = master.readAll();
+    text.replace("\"scheduled_for_deletion\", 0", "\"scheduled_for_deletion\", 1");
+    folder.write("own.ss", text);
+    generator.parseSSFile("own.ss");
+    open();
+    choose("Lead");
+    button("finishButton")->click();
+    QCOMPARE(valueOf("profile_id"), "255");
+    QCOMPARE(valueOf("scheduled_for_deletion"), "false");
 }
 
 void NewProfileWizardTest::returnInAFieldOnlyEndsTheTyping()
@@ -594,6 +704,59 @@ void NewProfileWizardTest::chemistriesComeFromTheSchema()
     QCOMPARE(child<QLabel>("subtitle")->text(), "Sodium");
     button("finishButton")->click();
     QCOMPARE(profile()->chemistry, "Sodium");
+}
+
+void NewProfileWizardTest::longRecordIsScrolledTo()
+{
+    const WorkingDirectory folder;
+    QFile master(VELANTOR_BUNDLE_MEMBERS "/master.ss");
+    QVERIFY(master.open(QIODevice::ReadOnly));
+    QByteArray text = master.readAll();
+    const int end = text.indexOf("}", text.indexOf("struct chemistry_lead"));
+    QByteArray further;
+    for (int i = 7; i < 47; ++i) {
+        further += "    unsigned char m" + QByteArray::number(i) +
+                   "; // num, auto, 0, 9, *1, 0, \"" + QByteArray(60, 'W') + "\", \"Volts\", \"m" +
+                   QByteArray::number(i) + "\", 1, " + QByteArray::number(i) +
+                   (i % 2 ? ", basic\n" : ", advanced\n");
+    }
+    text.insert(end, further);
+    folder.write("own.ss", text);
+    generator.parseSSFile("own.ss");
+    open();
+    const QSize size = wizard->size();
+    choose("Lead");
+    QCOMPARE(wizard->size(), size);
+    QTest::mouseClick(button("editAdvanced"), Qt::LeftButton);
+    const auto fields = child<NewProfileEdit>("NewProfileEdit")->findChildren<SettingsLineEdit *>();
+    QCOMPARE(fields.size(), 47);
+    const auto *pages = wizard->findChild<QScrollArea *>();
+    QTRY_VERIFY(pages->verticalScrollBar()->maximum() > 0);
+    fieldOf("title")->setFocus();
+    for (const SettingsLineEdit *field : fields) {
+        if (field == fields.at(24)) // behind "Override Defaults"
+            QTest::keyClick(wizard->focusWidget(), Qt::Key_Tab);
+        QCOMPARE(wizard->focusWidget(), field);
+        const QRect place(field->mapTo(pages->viewport(), QPoint(0, 0)), field->size());
+        QVERIFY2(pages->viewport()->rect().intersects(place),
+                 qPrintable(field->getSetting()->name));
+        QTest::keyClick(wizard->focusWidget(), Qt::Key_Tab);
+    }
+    button("finishButton")->click();
+    QCOMPARE(valueOf("m46"), "1");
+}
+
+void NewProfileWizardTest::recordWithoutVisibleSettings()
+{
+    ProfileSettings hidden;
+    const auto record = schemaRecord(
+        {"unsigned char type; // num, auto, 1, 1, *1, 0, \"t\", \"\", \"t\", 1, -1, basic"});
+    hidden.structSettings = record.get();
+    NewProfileEdit form(&generator, &hidden);
+    form.focusFirstField();
+    form.findChild<QPushButton *>("editAdvanced")->click();
+    QVERIFY(record->getAdvancedSettingsEdited());
+    QCOMPARE(form.minimumSize(), QSize(430, 510));
 }
 
 void NewProfileWizardTest::mnemonicsOfTheDesktopMeanNothing()
