@@ -20,7 +20,7 @@ constexpr int lowestRowHeight = 24;
 /// Takes decimals off a time in hours that would be longer than the field.
 void fitDecimals(StructSetting *setting)
 {
-    if (setting->settingKind != HParser::SettingKind::Num || setting->unit != QLatin1String("h"))
+    if (setting->unit != QLatin1String("h"))
         return;
     const double whole = std::fabs(std::trunc(setting->getShownNumber()));
     if (!std::isfinite(whole) || whole < 1)

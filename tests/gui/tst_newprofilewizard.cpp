@@ -23,6 +23,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <algorithm>
+
 Q_DECLARE_METATYPE(ProfileSettings *)
 
 using HParser::StructSetting;
@@ -265,9 +267,22 @@ void NewProfileWizardTest::overrideTellsInOrder()
         QVERIFY(field->isEnabled());
     button->click();
     QCOMPARE(told.mid(2), QStringList({"profile 0", "form 0"}));
-    for (const auto *field :
-         form.findChild<QWidget *>("profileSettingsAdvanced")->findChildren<QLineEdit *>())
+    const auto fields =
+        form.findChild<QWidget *>("profileSettingsAdvanced")->findChildren<QLineEdit *>();
+    for (const auto *field : fields)
         QVERIFY(!field->isEnabled());
+
+    // The fields are closed before the first default comes.
+    button->click();
+    int enabled = -1;
+    StructSetting *first = profile.structSettings->getStructSettingByName("float_V");
+    QVERIFY(first->setValue(42.0));
+    connect(first, &StructSetting::valueChanged, &form, [&fields, &enabled] {
+        enabled = std::count_if(fields.begin(), fields.end(),
+                                [](const QLineEdit *field) { return field->isEnabled(); });
+    });
+    button->click();
+    QCOMPARE(enabled, 0);
 }
 
 void NewProfileWizardTest::showsTheSettingsOfTheChemistry_data()
@@ -386,12 +401,19 @@ void NewProfileWizardTest::finishTakesTheFieldBeingEdited()
         type(member.toUtf8(), text);
         if (text.isEmpty())
             QTest::keyClick(wizard->focusWidget(), Qt::Key_Delete);
+        QString handedOn;
+        connect(wizard, &NewProfileWizard::newProfileMade, this,
+                [this, &handedOn, name = member.toUtf8()](ProfileSettings *) {
+                    handedOn = valueOf(name);
+                    // Nor does a second click in between hand anything on.
+                    button("finishButton")->click();
+                });
         if (byMouse)
             QTest::mouseClick(button("finishButton"), Qt::LeftButton);
         else // as a screen reader does it: the focus stays in the field
             button("finishButton")->click();
         QCOMPARE(made->count(), 1);
-        QTEST(valueOf(member.toUtf8()), "value");
+        QTEST(handedOn, "value");
         settle();
         QVERIFY(!wizard);
         QTEST(valueOf(member.toUtf8()), "value");
@@ -590,10 +612,12 @@ void NewProfileWizardTest::backAfterTypingForgetsIt()
     open();
     choose("Lithium");
     type("title", "Commuter");
+    const QPointer<QObject> record = fieldOf("title")->getSetting()->parent();
     // As a screen reader does it: the focus stays in the field.
     button("backButton")->click();
     QVERIFY(wizard->focusWidget() == button("Nickel"));
     settle();
+    QVERIFY(!record);
     choose("Lithium");
     QCOMPARE(fieldOf("title")->text(), "Lithium");
     button("finishButton")->click();

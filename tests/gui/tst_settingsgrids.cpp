@@ -507,8 +507,13 @@ void SettingsGridsTest::namesAreNoMarkup()
     QCOMPARE(at<QLabel>(grid, 0, 1)->text(), "<b>Cells &lt;5 &amp; &gt;2:</b>");
     QWidget basicForm;
     new BasicSettingsGrid(true, record.get(), &generator, &basicForm);
-    for (const QLabel *label : basicForm.findChildren<QLabel *>())
+    QStringList texts;
+    for (const QLabel *label : basicForm.findChildren<QLabel *>()) {
         QCOMPARE(label->textFormat(), Qt::PlainText);
+        texts += label->text();
+    }
+    // A single & would be taken for the mark of a key.
+    QCOMPARE(texts, QStringList({"<i>V&&A</i>", "<b>R&&D</b>"}));
 }
 
 void SettingsGridsTest::shortFieldTellsTheWholeNumber()

@@ -42,6 +42,10 @@ private slots:
     void shortFieldTellsTheWholeFigure();
     void rowsMoveTogetherInALowPlace();
     void lateTotalHasItsLabel();
+    void moreDecimalsThanTheFieldHolds();
+    void moreAveragesThanTotals();
+    void otherKinds();
+    void unitIsNoMarkup();
 
 private:
     StructSetting *member(const char *name) const
@@ -349,6 +353,49 @@ void StatsSettingsGridTest::lateTotalHasItsLabel()
     QCOMPARE(at<SettingsLineEdit>(grid, 1, 5)->text(), "4");
     QCOMPARE(at<QLabel>(grid, 1, 0)->text(), "<b>Sum:</b>");
     QCOMPARE(at<SettingsLineEdit>(grid, 1, 2)->text(), "5");
+}
+
+void StatsSettingsGridTest::moreDecimalsThanTheFieldHolds()
+{
+    const auto record = schemaRecord({"long a; // num, auto, 0, 999999, *1, 4, \"A\", \"h\", "
+                                      "\"a\", 123.4567, 0, basic",
+                                      "long b; // num, auto, 0, 999999, *1, 4, \"B\", \"h\", "
+                                      "\"b\", 99.4567, 1, basic"});
+    grid = new StatsSettingsGrid(record->getStructSettings(), &generator, form.get());
+    QCOMPARE(record->getStructSettingByName("a")->decimals->toString(), "2");
+    QCOMPARE(record->getStructSettingByName("b")->decimals->toString(), "4");
+    QCOMPARE(record->getStructSettingByName("a")->getNumber(), 123.4567);
+}
+
+void StatsSettingsGridTest::moreAveragesThanTotals()
+{
+    const auto record = schemaRecord(
+        {"long a; // num, auto, 0, 9, *1, 0, \"Sum\", \"\", \"sum\", 4, 0, basic",
+         "long b; // num, auto, 0, 9, *1, 0, \"Mean\", \"\", \"calculated\", 5, 1, basic",
+         "long c; // num, auto, 0, 9, *1, 0, \"Most\", \"\", \"calculated\", 6, 2, basic"});
+    grid = new StatsSettingsGrid(record->getStructSettings(), &generator, form.get());
+    QCOMPARE(at<SettingsLineEdit>(grid, 2, 5)->text(), "6");
+    QCOMPARE(grid->rowMinimumHeight(2), 50);
+    for (int column : {1, 2, 4, 7})
+        QVERIFY(grid->itemAtPosition(3, column)->spacerItem());
+}
+
+void StatsSettingsGridTest::otherKinds()
+{
+    const auto record =
+        schemaRecord({"char a; // bool, 1, \"Worn\", \"worn\", 1, 0, basic",
+                      "char b[9]; // string, auto, \"Place\", \"place\", \"Shed\", 1, basic"});
+    grid = new StatsSettingsGrid(record->getStructSettings(), &generator, form.get());
+    QCOMPARE(at<QLabel>(grid, 1, 0)->text(), "<b>Worn:</b>");
+    QCOMPARE(at<SettingsLineEdit>(grid, 2, 2)->text(), "Shed");
+}
+
+void StatsSettingsGridTest::unitIsNoMarkup()
+{
+    const auto record =
+        schemaRecord({"long a; // num, auto, 0, 9, *1, 0, \"A\", \"<V&A>\", \"a\", 4, 0, basic"});
+    grid = new StatsSettingsGrid(record->getStructSettings(), &generator, form.get());
+    QCOMPARE(at<QLabel>(grid, 1, 3)->text(), "<FONT>&lt;V&amp;A&gt;</FONT>");
 }
 
 QTEST_MAIN(StatsSettingsGridTest)
