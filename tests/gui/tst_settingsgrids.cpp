@@ -532,6 +532,11 @@ void SettingsGridsTest::shortFieldTellsTheWholeNumber()
     field->saveSetting();
     QCOMPARE(sum->getNumber(), 1234567.25);
 
+    // Six digits are the most that a number shows.
+    sum->setValue(123456.75);
+    QCOMPARE(field->text(), "123457");
+    QCOMPARE(field->toolTip(), "123456.75 Ah");
+
     sum->setValue(-123.25);
     QCOMPARE(field->text(), "-123.2");
     QCOMPARE(field->toolTip(), "-123.25 Ah");

@@ -373,6 +373,7 @@ void SettingsLineEditTest::shortFieldShowsNoOtherNumber_data()
     QTest::newRow("negative") << 6 << "1" << -123456.7 << "-1.2e5";
     QTest::newRow("one digit and a sign") << 5 << "1" << -123456.7 << "-1e5";
     QTest::newRow("negative, seven digits") << 7 << "1" << -1234567.8 << "-1.23e6";
+    QTest::newRow("rounded to hundreds") << 8 << "-2" << 1234500.0 << "1234500";
     QTest::newRow("tiny") << 5 << "6" << 0.000012 << "0.000";
 }
 
