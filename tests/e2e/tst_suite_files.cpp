@@ -25,6 +25,7 @@ private slots:
     void chargerProfilesReachAFile();
     void aFileThatIsNoneHarmsNothing();
     void aPlaceThatTakesNoFile();
+    void whatIsBeingTypedIsSaved();
 
 private:
     static QString path(const QString &file) { return QDir::current().filePath(file); }
@@ -254,6 +255,25 @@ void SuiteFilesTest::aPlaceThatTakesNoFile()
     save(story, "full.xml");
     QCOMPARE(story.boxes.titles().last(), QStringLiteral("Export to XML Status"));
     QCOMPARE(story.boxes.seen().last().text, QStringLiteral("The profiles failed to be exported!"));
+}
+
+void SuiteFilesTest::whatIsBeingTypedIsSaved()
+{
+    SuiteStory story;
+    story.plugIn({"--hardware", "48v"});
+    story.open();
+    QVERIFY(story.connectCharger());
+    story.select(0);
+    story.press("editProfileButton");
+    // A menu takes no focus from the field.
+    story.type("Profile name", "Bicycle");
+    save(story, "name.xml");
+    QVERIFY(SuiteStory::workingFile("name.xml").contains(">Bicycle<"));
+
+    story.press("viewDeviceSettings");
+    story.type("Brightness", "3");
+    save(story, "settings.xml", true);
+    QVERIFY(SuiteStory::workingFile("settings.xml").contains("<brightness>3</brightness>"));
 }
 
 QTEST_MAIN(SuiteFilesTest)
