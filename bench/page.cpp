@@ -58,7 +58,8 @@ int main(int argc, char *argv[])
     QPushButton up(&window);
     QPushButton down(&window);
     QWidget display(&window);
-    ProfileNamesListManager rows(&window, &list, &add, &display, &up, &down, &generator);
+    // No row moves here, and so the list has nothing to tell a pane.
+    ProfileNamesListManager rows(&window, &list, &add, &display, &up, &down, &generator, nullptr);
     ImportProfiles::ImportProfilesMain importer(&window, &generator, nullptr);
     HEXGeneratorParser::HEXManager manager(&window, &list, &generator, &importer, nullptr);
     QObject::connect(&importer, &ImportProfiles::ImportProfilesMain::profileReadyForImport, &rows,
