@@ -27,6 +27,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QLabel>
+#include <QPalette>
 #include <QResizeEvent>
 #include <QStyle>
 
@@ -48,6 +49,19 @@ QWidget *expandingSpacer(QWidget *parent)
     auto *widget = new QWidget(parent);
     widget->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     return widget;
+}
+
+/// The sheet of the tool bar writes what is disabled black, which needs a light ground on every
+/// desktop.
+void keepLight(QToolBar *bar)
+{
+    if (bar->palette().color(QPalette::Window).lightness() >= 128)
+        return;
+    const QPalette light(QColor(239, 239, 239));
+    bar->setPalette(light);
+    // Under a style sheet nobody takes a palette from the parent.
+    for (QWidget *entry : bar->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
+        entry->setPalette(light);
 }
 } // namespace
 
@@ -278,6 +292,8 @@ void MainWindow::extraUIAdditions()
     auto *logo = new QLabel(bar);
     logo->setPixmap(QPixmap(QStringLiteral(":/new/images/tolk_logo.png")));
     bar->addWidget(logo);
+
+    keepLight(bar);
 
     setWindowIcon(QIcon(QStringLiteral(":/new/images/icon_linux.png")));
     ui->statusBar->hide();

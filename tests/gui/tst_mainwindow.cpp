@@ -51,6 +51,13 @@ struct SuiteLook {
     }
     const QFont before = QApplication::font();
 };
+
+/// A desktop that writes white on dark.
+struct DarkDesktop {
+    DarkDesktop() { QApplication::setPalette(QPalette(QColor(53, 53, 53), QColor(40, 40, 40))); }
+    ~DarkDesktop() { QApplication::setPalette(before); }
+    const QPalette before = QApplication::palette();
+};
 } // namespace
 
 /// The window as a switchboard: its form, its tool bar's states, its signals.
@@ -85,6 +92,7 @@ private slots:
     void startsDisconnected();
     void connectedTurnsTheToolBar();
     void lampLightsWhereConnectIsDisabled();
+    void toolBarIsReadableOnADarkDesktop();
     void disconnectedTwiceSaysNothing();
     void anyFallOfTheLinkBringsTheMasterBack_data();
     void anyFallOfTheLinkBringsTheMasterBack();
@@ -602,6 +610,40 @@ void MainWindowTest::lampLightsWhereConnectIsDisabled()
     QVERIFY(!off.isNull() && !on.isNull() && off.toImage() != on.toImage());
     QCOMPARE(icon.pixmap(off.size(), QIcon::Normal).toImage(), off.toImage());
     QCOMPARE(icon.pixmap(on.size(), QIcon::Disabled).toImage(), on.toImage());
+}
+
+void MainWindowTest::toolBarIsReadableOnADarkDesktop()
+{
+    const DarkDesktop dark;
+    window = std::make_unique<MainWindow>();
+    window->resize(900, 600);
+    window->show();
+    const SuiteLook look;
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    auto *bar = window->findChild<QToolBar *>("mainToolBar");
+    // The difference of the brightest and the darkest place of the text, behind the picture.
+    const auto contrast = [&](const QWidget *widget, int left) {
+        const QRect text(widget->mapTo(window.get(), QPoint(left, 4)),
+                         widget->size() - QSize(left + 4, 8));
+        const QImage image = window->grab(text).toImage();
+        int darkest = 255;
+        int lightest = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                darkest = qMin(darkest, qGray(image.pixel(x, y)));
+                lightest = qMax(lightest, qGray(image.pixel(x, y)));
+            }
+        }
+        return lightest - darkest;
+    };
+    for (const bool connected : {false, true}) {
+        window->velantorConnected(connected);
+        QCoreApplication::processEvents();
+        for (const char *name : {"connectAction", "disconnectAction", "saveDataAction"})
+            QVERIFY2(contrast(bar->widgetForAction(action(name)), 30) > 120, name);
+        QVERIFY(contrast(modelLabel(), 0) > 120);
+        QVERIFY(contrast(model(), 4) > 80);
+    }
 }
 
 void MainWindowTest::disconnectedTwiceSaysNothing()
