@@ -123,6 +123,7 @@ private slots:
     void editsCountAsSavedBeforeAWriteBegins_data();
     void editsCountAsSavedBeforeAWriteBegins();
     void aFallenLinkUnhooksThePane();
+    void cancelAfterAFailedReadKnowsTheSchemaOnly();
     void statisticsOpenAnewEachTime();
     void theManagerCanEmptyTheList();
     void rowsBehindADisconnectAreMarked();
@@ -1040,6 +1041,17 @@ void MainWindowTest::aFallenLinkUnhooksThePane()
     QVERIFY(save->isEnabled());
     window->velantorConnected(false);
     QVERIFY(!save->isEnabled());
+}
+
+void MainWindowTest::cancelAfterAFailedReadKnowsTheSchemaOnly()
+{
+    // The link falls before the settings to come back to are taken.
+    showSettingsOfACharger(7.0);
+    emit manager()->settingsRead(false);
+    QCOMPARE(deviceSetting("brightness")->getValue(), QStringLiteral("5"));
+    deviceSetting("brightness")->setValue(9.0);
+    window->findChild<QAbstractButton *>("cancelChangesButton")->click();
+    QCOMPARE(deviceSetting("brightness")->getValue(), QStringLiteral("5"));
 }
 
 void MainWindowTest::statisticsOpenAnewEachTime()
