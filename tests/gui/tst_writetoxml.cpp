@@ -21,9 +21,12 @@
 
 #include <clocale>
 #include <csignal>
+#include <functional>
 #include <memory>
 #include <vector>
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -199,6 +202,18 @@ void writeFile(const QString &name, const QByteArray &content)
         qFatal("cannot write %s", qPrintable(name));
 }
 
+/// What a function returns in a process of its own, which may change what belongs to a process.
+int inChild(const std::function<int()> &function)
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(function());
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
+        qFatal("a child has died");
+    return WEXITSTATUS(status);
+}
+
 /// No file of this process grows beyond some size while it lives, as on a full disk.
 class FileSizeLimit
 {
@@ -250,6 +265,8 @@ private slots:
     void followsALink();
     void fullDiskLeavesTheOldFile_data();
     void fullDiskLeavesTheOldFile();
+    void fullFileSystemLeavesTheOldFile();
+    void readOnlyFolderLeavesTheOldFile();
     void killLeavesTheOldFile();
     void placesThatTakeNoFile();
     void deviceThatTakesNotEverything();
@@ -645,6 +662,51 @@ void WriteToXMLTest::fullDiskLeavesTheOldFile()
     const FileSizeLimit limit(static_cast<rlim_t>(size));
     QVERIFY(WriteToXML().write(file, rows.names(), nullptr));
     QCOMPARE(fileContent(file).size(), size);
+}
+
+void WriteToXMLTest::fullFileSystemLeavesTheOldFile()
+{
+    enum Outcome { NoFileSystem, Written, Refused, Harmed };
+    QTemporaryDir folder;
+    const QString file = folder.filePath("profiles.xml");
+    Rows rows;
+    while (rows.names().size() < 400)
+        rows.add();
+    const int outcome = inChild([&] {
+        // Seen by this process only.
+        const QByteArray place = QFile::encodeName(folder.path());
+        if (unshare(CLONE_NEWNS) != 0 ||
+            mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("none", place.constData(), "tmpfs", 0, "size=64k") != 0)
+            return NoFileSystem;
+        writeFile(file, "old");
+        if (WriteToXML().write(file, rows.names(), nullptr))
+            return Written;
+        return fileContent(file) == "old" ? Refused : Harmed;
+    });
+    if (outcome == NoFileSystem)
+        QSKIP("only root can make a small file system");
+    QCOMPARE(outcome, int(Refused));
+}
+
+void WriteToXMLTest::readOnlyFolderLeavesTheOldFile()
+{
+    QTemporaryDir folder;
+    const QString file = folder.filePath("profiles.xml");
+    writeFile(file, "old");
+    // The file itself may be written by everybody.
+    QVERIFY(QFile::setPermissions(file, QFile::Permissions(0x6666)));
+    QVERIFY(QFile::setPermissions(folder.path(), QFile::Permissions(0x5555)));
+    const int written = inChild([&] {
+        constexpr uid_t somebody = 65534;
+        if (geteuid() == 0 && setresuid(somebody, somebody, somebody) != 0)
+            return 2;
+        return WriteToXML().write(file, {}, nullptr) ? 1 : 0;
+    });
+    QVERIFY(QFile::setPermissions(folder.path(), QFile::Permissions(0x7777)));
+    QCOMPARE(written, 0);
+    QCOMPARE(fileContent(file), QByteArray("old"));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("profiles.xml"));
 }
 
 void WriteToXMLTest::killLeavesTheOldFile()
