@@ -4,6 +4,7 @@
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
 
+#include <QPalette>
 #include <QWheelEvent>
 
 namespace
@@ -11,6 +12,24 @@ namespace
 void setUpperBound(HParser::StructSettings *record, const QString &member, int bound)
 {
     record->getStructSettingByName(member)->setUpperBound(QString::number(bound));
+}
+
+QColor between(const QColor &one, const QColor &other)
+{
+    return QColor::fromRgb((2 * one.red() + other.red()) / 3, (2 * one.green() + other.green()) / 3,
+                           (2 * one.blue() + other.blue()) / 3);
+}
+
+/// The charger's model is not to be changed, but well to be read: nearer to the text of what can be
+/// changed than to its background.
+QPalette readableWhenDisabled(QPalette colours)
+{
+    for (const QPalette::ColorRole role : {QPalette::ButtonText, QPalette::Text}) {
+        const QColor text = colours.color(QPalette::Active, role);
+        const QColor background = colours.color(QPalette::Active, QPalette::Button);
+        colours.setColor(QPalette::Disabled, role, between(text, background));
+    }
+    return colours;
 }
 } // namespace
 
@@ -37,11 +56,13 @@ void HardwareDropdown::disable()
 {
     setCurrentIndex(findData(generator->hwVersion()));
     setEnabled(false);
+    setPalette(readableWhenDisabled(palette()));
 }
 
 void HardwareDropdown::enable()
 {
     setEnabled(true);
+    setPalette(QPalette());
     setAllSettingsLimits();
 }
 

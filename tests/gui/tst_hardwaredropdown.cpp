@@ -6,6 +6,8 @@
 #include "SSGenerator/structsettings.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
+#include <QPalette>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
@@ -52,6 +54,8 @@ private slots:
     void isChosenByKey();
     void isNotChosenWhileLocked();
     void wheelChoosesNothing();
+    void lockedModelCanBeRead_data();
+    void lockedModelCanBeRead();
 
 private:
     QComboBox *combo() const { return dropdown.get(); }
@@ -315,6 +319,48 @@ void HardwareDropdownTest::wheelChoosesNothing()
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(dropdown.get(), &wheel);
     QCOMPARE(dropdown->currentText(), QStringLiteral("48V"));
+}
+
+void HardwareDropdownTest::lockedModelCanBeRead_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::newRow("light desktop") << false;
+    QTest::newRow("dark desktop") << true;
+}
+
+void HardwareDropdownTest::lockedModelCanBeRead()
+{
+    QFETCH(bool, dark);
+    const QPalette before = QApplication::palette();
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    if (dark) {
+        QPalette night(QColor(40, 40, 40));
+        night.setColor(QPalette::Base, QColor(30, 30, 30));
+        QApplication::setPalette(night);
+    }
+    dropdown->show();
+    // Without the arrow, how far from the button's colour is what is written there?
+    const auto contrast = [this] {
+        const QImage text = dropdown->grab(QRect(6, 6, 30, dropdown->height() - 12)).toImage();
+        int lightest = 0;
+        int darkest = 255;
+        for (int y = 0; y < text.height(); ++y) {
+            for (int x = 0; x < text.width(); ++x) {
+                lightest = qMax(lightest, qGray(text.pixel(x, y)));
+                darkest = qMin(darkest, qGray(text.pixel(x, y)));
+            }
+        }
+        return lightest - darkest;
+    };
+    const int unlocked = contrast();
+    QVERIFY(unlocked > 100);
+    generator->parseSSFile(schema("48V_FSv2.ss"));
+    dropdown->disable();
+    QVERIFY(contrast() > unlocked / 2);
+    QVERIFY(contrast() < unlocked * 3 / 4); // and seen to be locked
+    dropdown->enable();
+    QVERIFY(!dropdown->testAttribute(Qt::WA_SetPalette));
+    QApplication::setPalette(before);
 }
 
 QTEST_MAIN(HardwareDropdownTest)
