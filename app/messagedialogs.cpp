@@ -79,8 +79,12 @@ QMessageBox *MessageDialogs::incompatibleProfilesRoot(QMessageBox *box, QString 
     box->setWindowTitle(tr("Incompatible Profiles"));
     QString text = tr("The following profiles aren't compatible with the ") + voltage +
                    tr("V Velantor's hardware limits. ") + QStringLiteral("\n\n");
-    for (const QString &name : names)
+    // A file may hold so many that laying out the text would freeze the box.
+    constexpr int mostNames = 5000;
+    for (const QString &name : names.mid(0, mostNames))
         text += name + QLatin1Char('\n');
+    if (names.size() > mostNames)
+        text += tr("... and %1 more").arg(names.size() - mostNames) + QLatin1Char('\n');
     text += QLatin1Char('\n') + closingLine;
     box->setText(text);
     return box;

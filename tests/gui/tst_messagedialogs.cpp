@@ -36,6 +36,7 @@ private slots:
     void manyNamesStayOnTheScreen_data();
     void manyNamesStayOnTheScreen();
     void enterRemovesNoProfiles();
+    void namesNoMoreThanABoxCanTake();
     void askDeleteAll_data();
     void askDeleteAll();
     void askAppend_data();
@@ -231,6 +232,23 @@ void MessageDialogsTest::enterRemovesNoProfiles()
     QCOMPARE(MessageDialogs::continueWithoutIncompatibleProfiles(nullptr, QStringLiteral("72"),
                                                                  {QStringLiteral("A - B")}),
              int(QMessageBox::No));
+}
+
+void MessageDialogsTest::namesNoMoreThanABoxCanTake()
+{
+    const QString head = QStringLiteral("The following profiles aren't compatible with the 48V "
+                                        "Velantor's hardware limits. \n\n");
+    const QString tail = QStringLiteral("\nThey can not be imported.");
+    QStringList names;
+    while (names.size() < 5000)
+        names.append(QString::number(names.size()));
+    const QString shown = names.join('\n') + '\n';
+    MessageBoxAnswers answers;
+    MessageDialogs::incompatibleProfilesNotImported(nullptr, QStringLiteral("48"), names);
+    QCOMPARE(answers.seen().last().text, head + shown + tail);
+    names += {QStringLiteral("x"), QStringLiteral("y")};
+    MessageDialogs::incompatibleProfilesNotImported(nullptr, QStringLiteral("48"), names);
+    QCOMPARE(answers.seen().last().text, head + shown + "... and 2 more\n" + tail);
 }
 
 void MessageDialogsTest::askDeleteAll_data()
