@@ -6,18 +6,18 @@
 #include <QProgressBar>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace XMLGeneratorParser
 {
 namespace
 {
 // Milliseconds.
-constexpr qint64 patience = 500;
 constexpr qint64 shortestStep = 50;
+constexpr qint64 longestStep = 1000;
 
 constexpr int barSteps = 1000;
 } // namespace
+
+qint64 BusyDialog::patience = 500;
 
 BusyDialog::BusyDialog(const QString &text, QWidget *parent)
     : QDialog(parent), bar(new QProgressBar), nextShow(patience)
@@ -59,6 +59,9 @@ void BusyDialog::hidePointer()
 void BusyDialog::tell(int part, int parts, qint64 done, qint64 size)
 {
     showPointer();
+    if (resting)
+        nextShow = watch.elapsed() + patience; // the user's time is not the work's
+    resting = false;
     if (watch.elapsed() < nextShow)
         return;
     const double fraction = size > 0 ? double(done) / double(size) : 0;
@@ -67,13 +70,14 @@ void BusyDialog::tell(int part, int parts, qint64 done, qint64 size)
     show();
     QApplication::processEvents();
     const qint64 after = watch.elapsed();
-    nextShow = after + std::max(shortestStep, 10 * (after - before));
+    nextShow = after + qBound(shortestStep, 10 * (after - before), longestStep);
 }
 
 void BusyDialog::rest()
 {
     hide();
     hidePointer();
+    resting = true;
 }
 
 void BusyDialog::closeEvent(QCloseEvent *event)

@@ -21,11 +21,14 @@ public:
     ~BusyDialog() override;
 
     /// Part of so many parts of the work is done to done/size. May be called as often as one likes:
-    /// most calls return at once, so that showing the bar never takes more than a tenth of the
-    /// time.
+    /// most calls return at once, so that showing the bar takes no more than a tenth of the time,
+    /// or comes once in a second.
     void tell(int part, int parts, qint64 done, qint64 size);
     /// The user is to do something else first, such as to answer a box. Ends with the next tell().
     void rest();
+
+    /// How long work may go on without the window, in milliseconds. For dialogs still to come.
+    static qint64 patience;
 
 public slots:
     void reject() override {}
@@ -41,6 +44,7 @@ private:
     QElapsedTimer watch;
     qint64 nextShow;
     bool pointerShown = false;
+    bool resting = false;
 };
 
 } // namespace XMLGeneratorParser

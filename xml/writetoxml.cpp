@@ -49,8 +49,10 @@ bool WriteToXML::write(QIODevice *device, const QList<ProfileName *> &rows,
         xmlOutputSettings(&out, globalSettings->getStructSettings());
         out << "\t</GlobalSettings>\n";
     }
-    for (int i = 0; i < rows.size(); ++i)
+    for (int i = 0; i < rows.size(); ++i) {
         writeProfile(&out, i, rows.at(i));
+        emit progressed(i + 1, rows.size());
+    }
     out << "</VelantorProfiles>\n";
     out.flush();
     return out.status() == QTextStream::Ok;

@@ -40,6 +40,10 @@ public:
     void xmlOutputSettings(QTextStream *out, const QList<HParser::StructSetting *> &settings);
     QString boolToString(bool value) const;
 
+signals:
+    /// So many of count profiles have been written, though not yet put in place.
+    void progressed(int done, int count);
+
 private:
     void writeProfile(QTextStream *out, int id, const ProfileName *row);
 };

@@ -17,6 +17,8 @@
 #include <QListWidget>
 #include <QMessageBox>
 
+#include <optional>
+
 using ImportProfiles::ImportProfilesMain;
 
 namespace XMLGeneratorParser
@@ -58,11 +60,17 @@ bool XMLManager::importFromXML(const QString &fileName)
 
 bool XMLManager::exportToXML(const QString &fileName, bool withGlobalSettings)
 {
+    WriteToXML writer;
+    return save(&writer, fileName, withGlobalSettings);
+}
+
+bool XMLManager::save(WriteToXML *writer, const QString &fileName, bool withGlobalSettings) const
+{
     QList<ProfileName *> rows;
     for (int i = 0; i < profileList->count(); ++i)
         rows.append(static_cast<ProfileNameListWidget *>(profileList->item(i))->profileName);
-    return WriteToXML().write(fileName, rows,
-                              withGlobalSettings ? generator->getUnitSettingsStruct() : nullptr);
+    return writer->write(fileName, rows,
+                         withGlobalSettings ? generator->getUnitSettingsStruct() : nullptr);
 }
 
 void XMLManager::on_importFromXMLButtonClicked()
@@ -84,12 +92,12 @@ void XMLManager::on_importFromXMLButtonClicked()
         MessageDialogs::xmlImportReadError(parent);
         return;
     }
-    if (mayLoad(reader))
+    if (mayLoad(reader, &busy))
         load(reader, &busy);
 }
 
 /// Asks what shall become of the profiles that are there, where there are any.
-bool XMLManager::mayLoad(const ReadFromXML &reader)
+bool XMLManager::mayLoad(const ReadFromXML &reader, BusyDialog *busy)
 {
     if (profileList->count() == 0)
         return true;
@@ -101,6 +109,7 @@ bool XMLManager::mayLoad(const ReadFromXML &reader)
         MessageDialogs::xmlImportReadError(parent);
         return false;
     }
+    busy->tell(Building, LoadingParts, 0, 1); // many rows take their time to go
     emit deleteAllProfiles();
     return true;
 }
@@ -120,9 +129,13 @@ void XMLManager::load(const ReadFromXML &reader, BusyDialog *busy)
     });
     const int count = reader.getProfiles().size();
     int listed = 0;
-    connect(importProfiles, &ImportProfilesMain::profileReadyForImport, busy,
-            [busy, count, &listed] { busy->tell(Listing, LoadingParts, ++listed, count); });
-    const BulkInsertion bulk(profileList);
+    // Hides the list, which is to be seen while that box stands there.
+    std::optional<BulkInsertion> bulk;
+    connect(importProfiles, &ImportProfilesMain::profileReadyForImport, busy, [&, busy, count] {
+        if (!bulk)
+            bulk.emplace(profileList);
+        busy->tell(Listing, LoadingParts, ++listed, count);
+    });
     // No number on the charger counts as taken: writing gives every profile its row's number.
     importProfiles->importProfilesAndStats(reader.getProfiles(), {}, {});
 }
@@ -141,7 +154,15 @@ void XMLManager::on_exportAsXMLButtonClicked(bool withGlobalSettings)
     setLastUsedDirectory(exportFileName);
     if (QFileInfo(exportFileName).completeSuffix().isEmpty())
         exportFileName += QStringLiteral(".xml");
-    if (exportToXML(exportFileName, withGlobalSettings))
+    bool saved = false;
+    {
+        BusyDialog busy(tr("Saving profiles..."), parent);
+        WriteToXML writer;
+        connect(&writer, &WriteToXML::progressed, &busy,
+                [&busy](int done, int count) { busy.tell(0, 1, done, count); });
+        saved = save(&writer, exportFileName, withGlobalSettings);
+    }
+    if (saved)
         return;
 
     QMessageBox box(parent);

@@ -19,6 +19,7 @@ namespace XMLGeneratorParser
 {
 class BusyDialog;
 class ReadFromXML;
+class WriteToXML;
 
 /// Takes profiles, and the charger's own settings with them, from the list to files and back. Asks
 /// the user for files, and whether what is loaded joins the list or replaces it.
@@ -50,7 +51,8 @@ signals:
     void unitSettingsRead_xml(bool success);
 
 private:
-    bool mayLoad(const ReadFromXML &reader);
+    bool save(WriteToXML *writer, const QString &fileName, bool withGlobalSettings) const;
+    bool mayLoad(const ReadFromXML &reader, BusyDialog *busy);
     void load(const ReadFromXML &reader, BusyDialog *busy);
 
     QWidget *parent;

@@ -270,6 +270,7 @@ private slots:
     void killLeavesTheOldFile();
     void placesThatTakeNoFile();
     void deviceThatTakesNotEverything();
+    void tellsProgress();
 
 private:
     MessageBoxAnswers user;
@@ -769,6 +770,19 @@ void WriteToXMLTest::deviceThatTakesNotEverything()
     QFile full("/dev/full");
     QVERIFY(full.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     QVERIFY(!WriteToXML().write(&full, {}, nullptr));
+}
+
+void WriteToXMLTest::tellsProgress()
+{
+    Rows rows;
+    for (int i = 0; i < 3; ++i)
+        rows.add();
+    QBuffer buffer;
+    QVERIFY(buffer.open(QIODevice::WriteOnly));
+    WriteToXML writer;
+    QSignalSpy progress(&writer, &WriteToXML::progressed);
+    QVERIFY(writer.write(&buffer, rows.names(), nullptr));
+    QCOMPARE(progress, QList<QVariantList>({{1, 3}, {2, 3}, {3, 3}}));
 }
 
 QTEST_MAIN(WriteToXMLTest)

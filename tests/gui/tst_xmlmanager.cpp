@@ -14,6 +14,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QFile>
 #include <QListWidget>
 #include <QLocale>
 #include <QMainWindow>
@@ -74,6 +75,7 @@ private slots:
     void unknownChemistryIsDropped();
     void missingValuesAreDefaults();
     void profilesBeyondTheLimitsAreNamed();
+    void listStaysInSightBehindTheBox();
     void valuesSurviveTheWay();
 
     void openDialog();
@@ -104,6 +106,9 @@ private slots:
     void longWorkShowsItself();
     void busyDialogStays();
     void restingDialogGivesThePointerBack();
+    void answeringTakesNoPatience();
+    void pointerTellsOfReplacing();
+    void longSavingShowsItself();
 
 private:
     StructSettings *record(int row) const
@@ -159,6 +164,7 @@ private:
 
 void XMLManagerTest::init()
 {
+    BusyDialog::patience = 500;
     folder = std::make_unique<WorkingDirectory>();
     QVERIFY(QDir().mkdir("saved_profiles"));
     user = std::make_unique<MessageBoxAnswers>();
@@ -291,6 +297,27 @@ void XMLManagerTest::profilesBeyondTheLimitsAreNamed()
     QVERIFY(user->seen().first().text.startsWith(
         "The following profiles aren't compatible with the 24V Velantor's hardware limits. \n\n"
         "out - x\ntoo - x\n\n"));
+}
+
+void XMLManagerTest::listStaysInSightBehindTheBox()
+{
+    folder->write("a.xml", inFile(profile(0, "one")));
+    folder->write("b.xml", inFile(profile(0, "in") + profile(1, "out", "4200")));
+    load("a.xml");
+    user->push("&Add Profiles");
+    bool visible = false;
+    bool pointer = true;
+    user->push([&](QMessageBox *box) {
+        visible = list->isVisible();
+        pointer = QApplication::overrideCursor();
+        box->accept();
+    });
+    load("b.xml");
+    QCOMPARE(user->titles(), QStringList({"Add Profiles to List?", "Incompatible Profiles"}));
+    QVERIFY(visible);
+    QVERIFY(!pointer);
+    QCOMPARE(titles(), QStringList({"one", "in"}));
+    QVERIFY(list->isVisible());
 }
 
 void XMLManagerTest::valuesSurviveTheWay()
@@ -619,10 +646,11 @@ void XMLManagerTest::manyRowsStandInTheirPlaces()
 void XMLManagerTest::longWorkShowsItself()
 {
     QByteArray many;
-    for (int i = 0; i < 3000; ++i)
+    for (int i = 0; i < 300; ++i)
         many += profile(i, QByteArray::number(i));
     folder->write("a.xml", inFile(many));
     // Whoever looks at the application while it works finds the bar, and cannot do anything else.
+    BusyDialog::patience = 0;
     int seen = 0;
     QTimer look;
     connect(&look, &QTimer::timeout, this, [&seen] {
@@ -638,7 +666,7 @@ void XMLManagerTest::longWorkShowsItself()
     look.start(0);
     load("a.xml");
     look.stop();
-    QCOMPARE(list->count(), 3000);
+    QCOMPARE(list->count(), 300);
     QVERIFY(seen > 0);
     QVERIFY(!QApplication::overrideCursor());
     QVERIFY(!QApplication::activeModalWidget());
@@ -670,6 +698,57 @@ void XMLManagerTest::restingDialogGivesThePointerBack()
         QVERIFY(QApplication::overrideCursor());
     }
     QVERIFY(!QApplication::overrideCursor());
+}
+
+void XMLManagerTest::answeringTakesNoPatience()
+{
+    // However long a box stood there: what is done soon after it needs no window.
+    BusyDialog busy("Loading...", nullptr);
+    QTRY_VERIFY((busy.tell(0, 1, 1, 2), busy.isVisible()));
+    busy.rest();
+    busy.tell(0, 1, 1, 2);
+    QVERIFY(!busy.isVisible());
+    QTRY_VERIFY((busy.tell(0, 1, 1, 2), busy.isVisible()));
+}
+
+void XMLManagerTest::pointerTellsOfReplacing()
+{
+    folder->write("a.xml", inFile(profile(0, "one")));
+    load("a.xml");
+    bool told = false;
+    connect(manager.get(), &XMLManager::deleteAllProfiles, this,
+            [&told] { told = QApplication::overrideCursor(); });
+    user->push("&Replace Profiles");
+    load("a.xml");
+    QVERIFY(told);
+    QVERIFY(!QApplication::overrideCursor());
+}
+
+void XMLManagerTest::longSavingShowsItself()
+{
+    QByteArray many;
+    for (int i = 0; i < 100; ++i)
+        many += profile(i, QByteArray::number(i));
+    folder->write("a.xml", inFile(many));
+    QVERIFY(manager->importFromXML("a.xml"));
+    BusyDialog::patience = 0;
+    int seen = 0;
+    QTimer look;
+    connect(&look, &QTimer::timeout, this, [&] {
+        if (auto *busy = qobject_cast<BusyDialog *>(QApplication::activeModalWidget())) {
+            ++seen;
+            QVERIFY(busy->isVisible());
+            QVERIFY(QApplication::overrideCursor());
+            QVERIFY(!QFile::exists(path("b.xml"))); // not before all of it is written
+        }
+    });
+    look.start(0);
+    FileDialogAnswer dialog(path("b.xml"));
+    manager->on_exportAsXMLButtonClicked(false);
+    look.stop();
+    QVERIFY(seen > 0);
+    QVERIFY(!QApplication::overrideCursor());
+    QVERIFY(folder->read("b.xml").contains("<profile id=\"99\" "));
 }
 
 QTEST_MAIN(XMLManagerTest)
