@@ -11,6 +11,7 @@ namespace
 {
 constexpr int chunkSize = 16 * 1024;
 constexpr int longestCharacter = 4;
+constexpr int longestTag = 32 * 1024;
 
 bool isBetween(unsigned char byte, unsigned char first, unsigned char last)
 {
@@ -95,6 +96,27 @@ qint64 LenientUtf8::bytesAvailable() const
     return ready.size() - readyFrom + pending.size() + source->bytesAvailable();
 }
 
+/// Counts the bytes of a tag. Comments and their like are none; a '<' always begins anew, since no
+/// tag holds one.
+bool LenientUtf8::isInLongTag(unsigned char byte)
+{
+    if (byte == '<') {
+        tagSize = 1;
+        quote = 0;
+    } else if (tagSize == 1 && (byte == '!' || byte == '?')) {
+        tagSize = 0;
+    } else if (tagSize > 0) {
+        ++tagSize;
+        if (quote)
+            quote = byte == quote ? 0 : quote;
+        else if (byte == '"' || byte == '\'')
+            quote = byte;
+        else if (byte == '>')
+            tagSize = 0;
+    }
+    return tagSize > longestTag;
+}
+
 void LenientUtf8::convertMore()
 {
     const QByteArray more = source->read(chunkSize);
@@ -106,6 +128,11 @@ void LenientUtf8::convertMore()
     readyFrom = 0;
     int at = 0;
     while (at < raw.size()) {
+        if (isInLongTag(bytes[at])) {
+            exhausted = true;
+            pending.clear();
+            return;
+        }
         const int left = raw.size() - at;
         const int length = lengthOfCharacter(bytes + at, left);
         if (length == 0 && left < longestCharacter && !exhausted)
@@ -119,6 +146,7 @@ void LenientUtf8::convertMore()
         at += std::max(length, 1);
     }
     pending = raw.mid(at);
+    emit converted();
 }
 
 qint64 LenientUtf8::readData(char *data, qint64 maxSize)

@@ -74,6 +74,7 @@ void ReadFromXML::readProfiles(QIODevice *device)
     unitSettings = nullptr;
 
     LenientUtf8 text(device);
+    connect(&text, &LenientUtf8::converted, this, &ReadFromXML::tellProgress);
     QXmlStreamReader reader(LenientUtf8::isMeantFor(device) ? &text : device);
     readFirstElement(&reader);
     const bool rootFound = reader.isStartElement();

@@ -14,6 +14,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QListWidget>
 #include <QLocale>
@@ -107,6 +108,7 @@ private slots:
     void busyDialogStays();
     void restingDialogGivesThePointerBack();
     void answeringTakesNoPatience();
+    void rowsJoinAHiddenList();
     void pointerTellsOfReplacing();
     void longSavingShowsItself();
 
@@ -703,12 +705,30 @@ void XMLManagerTest::restingDialogGivesThePointerBack()
 void XMLManagerTest::answeringTakesNoPatience()
 {
     // However long a box stood there: what is done soon after it needs no window.
+    BusyDialog::patience = 0;
     BusyDialog busy("Loading...", nullptr);
-    QTRY_VERIFY((busy.tell(0, 1, 1, 2), busy.isVisible()));
+    busy.tell(0, 1, 1, 2);
+    QVERIFY(busy.isVisible());
     busy.rest();
+    QElapsedTimer answering;
+    answering.start();
+    QTRY_VERIFY(answering.elapsed() > 300);
+    BusyDialog::patience = 500;
     busy.tell(0, 1, 1, 2);
     QVERIFY(!busy.isVisible());
     QTRY_VERIFY((busy.tell(0, 1, 1, 2), busy.isVisible()));
+}
+
+void XMLManagerTest::rowsJoinAHiddenList()
+{
+    // In sight it would place all rows anew for each that joins.
+    folder->write("a.xml", inFile(profile(0, "one") + profile(1, "two") + profile(2, "three")));
+    QList<bool> visible;
+    connect(importer.get(), &ImportProfilesMain::profileReadyForImport, this,
+            [&] { visible.append(list->isVisible()); });
+    load("a.xml");
+    QCOMPARE(visible, QList<bool>({true, false, false}));
+    QVERIFY(list->isVisible());
 }
 
 void XMLManagerTest::pointerTellsOfReplacing()

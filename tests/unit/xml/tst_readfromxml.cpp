@@ -147,7 +147,11 @@ private slots:
     void deepNestingEnds();
     void memoryGrowsWithTheFileOnly_data();
     void memoryGrowsWithTheFileOnly();
+    void longTagsEndTheFile_data();
+    void longTagsEndTheFile();
     void tellsProgress();
+    void tellsProgressWithinATitle();
+    void secondFileTakesThePlaceOfTheFirst();
     void parsersWorkOnTheirOwn();
 };
 
@@ -567,8 +571,6 @@ void ReadFromXMLTest::memoryGrowsWithTheFileOnly_data()
     QTest::addColumn<QByteArray>("repeated");
     QTest::newRow("a title without end")
         << QByteArray("<VelantorProfiles><profile id=\"0\"><title>") << QByteArray("long title ");
-    QTest::newRow("an attribute without end")
-        << QByteArray("<VelantorProfiles><profile id=\"") << QByteArray("0123456789abcdef");
     QTest::newRow("many profiles") << QByteArray("<VelantorProfiles>") << profile(0, "one");
     QTest::newRow("many elements")
         << QByteArray("<VelantorProfiles><profile id=\"0\">") << QByteArray("<x>1</x>");
@@ -590,6 +592,35 @@ void ReadFromXMLTest::memoryGrowsWithTheFileOnly()
              qPrintable(QString::number(peakMemory() - before)));
 }
 
+void ReadFromXMLTest::longTagsEndTheFile_data()
+{
+    QTest::addColumn<QByteArray>("middle");
+    QTest::addColumn<QStringList>("titles");
+    const QStringList first = {"one"};
+    const QStringList both = {"one", "two"};
+    QByteArray attributes;
+    for (int i = 0; i < 300000; ++i)
+        attributes += " a" + QByteArray::number(i) + "='>'";
+    QTest::newRow("attributes") << QByteArray("<x" + attributes + "/>") << first;
+    QTest::newRow("a value") << QByteArray("<x a=\"" + QByteArray(40000, '\'') + "\"/>") << first;
+    QTest::newRow("a name") << QByteArray("<" + QByteArray(40000, 'x') + "/>") << first;
+    // What is long and no tag goes through.
+    QTest::newRow("a long value that is no freeze")
+        << QByteArray("<x a=\"" + QByteArray(30000, '>') + "\"/>") << both;
+    QTest::newRow("a text") << QByteArray("<x>" + QByteArray(100000, '\'') + "</x>") << both;
+    QTest::newRow("a comment") << QByteArray("<!-- \"" + QByteArray(100000, 'x') + "-->") << both;
+    QTest::newRow("a comment that looks like a tag")
+        << QByteArray("<!-- <it's> --><x>" + QByteArray(100000, 'x') + "</x>") << both;
+    QTest::newRow("an instruction") << QByteArray("<?x " + QByteArray(100000, 'x') + "?>") << both;
+}
+
+void ReadFromXMLTest::longTagsEndTheFile()
+{
+    QFETCH(QByteArray, middle);
+    const Read reader(inFile(profile(0, "one") + profile(1, "two", middle)));
+    QTEST(reader.titles(), "titles");
+}
+
 void ReadFromXMLTest::tellsProgress()
 {
     QByteArray text;
@@ -609,6 +640,34 @@ void ReadFromXMLTest::tellsProgress()
         QCOMPARE(step.at(1).toLongLong(), qint64(text.size()));
     }
     QCOMPARE(last, qint64(text.size()));
+}
+
+void ReadFromXMLTest::tellsProgressWithinATitle()
+{
+    QByteArray text = inFile(profile(0, QByteArray(1000 * 1000, 'x')));
+    QBuffer buffer(&text);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    ReadFromXML reader;
+    QSignalSpy progress(&reader, &ReadFromXML::progressed);
+    reader.readProfiles(&buffer);
+    QVERIFY(progress.size() > 50);
+    QCOMPARE(reader.getProfiles().size(), 1);
+}
+
+void ReadFromXMLTest::secondFileTakesThePlaceOfTheFirst()
+{
+    QByteArray settings = inFile("<GlobalSettings><a>1</a><b>2</b><c>3</c><d>4</d><e>5</e>"
+                                 "</GlobalSettings>");
+    QByteArray none = inFile(profile(0, "one"));
+    QBuffer first(&settings);
+    QBuffer second(&none);
+    QVERIFY(first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly));
+    ReadFromXML reader;
+    reader.readProfiles(&first);
+    QVERIFY(reader.getUnitSettings());
+    reader.readProfiles(&second);
+    QVERIFY(!reader.getUnitSettings());
+    QCOMPARE(reader.getProfiles().size(), 1);
 }
 
 void ReadFromXMLTest::parsersWorkOnTheirOwn()
