@@ -47,7 +47,8 @@ public:
     void setProfiles(const QList<ImportProfiles::ParsedFSElement *> &elements);
 
     /// The steps of reading. Each of the parsers starts behind a start tag and ends at the end tag
-    /// that belongs to it, at the end of the text or at an error in it.
+    /// of its kind, at the end of the text or at an error in it. A profile's start tag may have any
+    /// name, its end tag is </profile>.
     void readFirstElement(QXmlStreamReader *reader);
     QList<ImportProfiles::ParsedFSElement *> parseProfiles(QXmlStreamReader *reader);
     /// Null for a profile that is cut off.

@@ -5,10 +5,17 @@
 #include "profiles/profilesettings.h"
 #include "suitestory.h"
 #include "support/filedialoganswer.h"
+#include "xml/busydialog.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QPushButton>
 #include <QTest>
+#include <QTimer>
+#include <QWindow>
+
+#include <utility>
 
 /// Stories of profiles in files, with the real file dialogs.
 class SuiteFilesTest : public QObject
@@ -20,6 +27,7 @@ private slots:
     void deliveredSetsLoadUnderEachModel();
     void savedProfilesComeBack();
     void loadedProfilesJoinTheList();
+    void nothingElseHappensWhileAFileLoads();
     void settingsTravelOnlyWhenAsked();
     void loadedProfilesReachTheCharger();
     void chargerProfilesReachAFile();
@@ -166,6 +174,50 @@ void SuiteFilesTest::loadedProfilesJoinTheList()
     const QByteArray both = SuiteStory::workingFile("both.xml");
     for (int i = 0; i < 34; ++i)
         QVERIFY(both.contains("<profile id=\"" + QByteArray::number(i) + "\" "));
+}
+
+void SuiteFilesTest::nothingElseHappensWhileAFileLoads()
+{
+    using XMLGeneratorParser::BusyDialog;
+    SuiteStory story;
+    story.open();
+    load(story, "saved_profiles/48v_default_profiles.xml");
+    story.select(0);
+    MainWindow *window = story.mainWindow();
+    // By way of the window, as the mouse of a user.
+    const auto click = [window](const char *button) {
+        const auto *widget = window->findChild<QPushButton *>(QLatin1String(button));
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                          widget->mapTo(window, widget->rect().center()));
+    };
+    int looks = 0;
+    const qint64 patience = std::exchange(BusyDialog::patience, 0);
+    QTimer user;
+    connect(&user, &QTimer::timeout, this, [&] {
+        if (!qobject_cast<BusyDialog *>(QApplication::activeModalWidget()))
+            return;
+        ++looks;
+        for (const char *button : {"deleteAllProfiles", "addProfileButton", "viewDeviceSettings",
+                                   "profileNameDownButton"})
+            click(button);
+        QTest::keyClick(window->windowHandle(), Qt::Key_F, Qt::AltModifier);
+    });
+    user.start(0);
+    story.boxes.push("&Add Profiles");
+    load(story, "saved_profiles/48v_default_profiles.xml");
+    user.stop();
+    BusyDialog::patience = patience;
+    QVERIFY(looks > 0);
+    QCOMPARE(story.list()->count(), 32);
+    QCOMPARE(story.titles().mid(0, 16), story.titles().mid(16));
+    QCOMPARE(story.boxes.titles(), QStringList("Add Profiles to List?"));
+    QVERIFY(!window->findChild<QPushButton *>("viewDeviceSettings")->isChecked());
+    QVERIFY(!QApplication::activeModalWidget() && !QApplication::activePopupWidget());
+    // The same clicks do something when the file has been loaded.
+    click("viewDeviceSettings");
+    QVERIFY(window->findChild<QPushButton *>("viewDeviceSettings")->isChecked());
+    click("deleteAllProfiles");
+    QCOMPARE(story.boxes.titles().last(), QStringLiteral("Delete All Profiles?"));
 }
 
 void SuiteFilesTest::settingsTravelOnlyWhenAsked()
