@@ -467,6 +467,7 @@ void XMLManagerTest::garbageDoesNotReplace_data()
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("another file") << QByteArray(":00000001FF\n");
+    QTest::newRow("well-formed, of another kind") << QByteArray("<svg><profile id=\"0\"/></svg>");
     QTest::newRow("cut in the first profile") << inFile(profile(0, "one")).left(100);
 }
 
@@ -539,6 +540,8 @@ void XMLManagerTest::appendsASuffix_data()
                          << "mine.xml";
     QTest::newRow("another") << "mine.txt"
                              << "mine.txt";
+    QTest::newRow("a dot only") << "mine."
+                                << "mine..xml";
     QTest::newRow("several") << "mine.tar.gz"
                              << "mine.tar.gz";
 }
