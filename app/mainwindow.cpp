@@ -380,8 +380,6 @@ void MainWindow::on_actionAbout()
 void MainWindow::on_actionAboutDevice()
 {
     auto *stats = new DisplayUnitStats(generator, this);
-    // The figures may stand beside the profiles that made them.
-    stats->setWindowModality(Qt::NonModal);
     stats->setWindowTitle(tr("Device Stats"));
     stats->show();
 }
