@@ -6,6 +6,7 @@
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 #include "profiles/profilesettings.h"
+#include "support/inchild.h"
 #include "support/messageboxanswers.h"
 #include "xml/readfromxml.h"
 #include "xml/writetoxml.h"
@@ -21,7 +22,6 @@
 
 #include <clocale>
 #include <csignal>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -200,18 +200,6 @@ void writeFile(const QString &name, const QByteArray &content)
     QFile file(name);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(name));
-}
-
-/// What a function returns in a process of its own, which may change what belongs to a process.
-int inChild(const std::function<int()> &function)
-{
-    const pid_t child = fork();
-    if (child == 0)
-        _exit(function());
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        qFatal("a child has died");
-    return WEXITSTATUS(status);
 }
 
 /// No file of this process grows beyond some size while it lives, as on a full disk.
@@ -525,8 +513,7 @@ void WriteToXMLTest::titlesAreWellFormed()
 {
     QFETCH(QString, title);
     const QString xmllint = QStandardPaths::findExecutable("xmllint");
-    if (xmllint.isEmpty())
-        QSKIP("there is no xmllint");
+    QVERIFY2(!xmllint.isEmpty(), "xmllint is missing");
     Rows rows;
     ProfileSettings *profile = rows.add();
     Rows::set(profile, "title", title);
@@ -685,9 +672,9 @@ void WriteToXMLTest::fullFileSystemLeavesTheOldFile()
             return Written;
         return fileContent(file) == "old" ? Refused : Harmed;
     });
-    if (outcome == NoFileSystem)
-        QSKIP("only root can make a small file system");
-    QCOMPARE(outcome, int(Refused));
+    // Who may not mount has the test before this one: there a limit on files stands for the disk.
+    if (outcome != NoFileSystem)
+        QCOMPARE(outcome, int(Refused));
 }
 
 void WriteToXMLTest::readOnlyFolderLeavesTheOldFile()
@@ -699,8 +686,7 @@ void WriteToXMLTest::readOnlyFolderLeavesTheOldFile()
     QVERIFY(QFile::setPermissions(file, QFile::Permissions(0x6666)));
     QVERIFY(QFile::setPermissions(folder.path(), QFile::Permissions(0x5555)));
     const int written = inChild([&] {
-        constexpr uid_t somebody = 65534;
-        if (geteuid() == 0 && setresuid(somebody, somebody, somebody) != 0)
+        if (!becomeOrdinaryUser())
             return 2;
         return WriteToXML().write(file, {}, nullptr) ? 1 : 0;
     });
