@@ -49,8 +49,7 @@ double since(std::clock_t start)
 } // namespace
 
 /// Loads files of 17, 1,000 and 10,000 profiles into the shown list and empties it again, and tells
-/// the
-/// processor time for each profile in microseconds.
+/// the processor time for each profile in microseconds.
 int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -1412,6 +1412,7 @@ void SettingsPaneManagerTest::fieldsHaveNames()
 
 void SettingsPaneManagerTest::namesAreNotClipped()
 {
+    desk->window.setFont(QFont(QStringLiteral("Arial"), 9)); // the suite's own
     QVERIFY(desk->ui.profileSettingsName->font() == desk->window.font());
     desk->import("Commuter");
     desk->select(0);
