@@ -16,6 +16,8 @@ namespace
 {
 const QByteArray versionFrame = QByteArray::fromHex("55550002FE04");
 const QByteArray versionReply = QByteArray::fromHex("5555000200000106F704");
+/// A read of 64 words.
+const QByteArray readFrame = QByteArray::fromHex("55550140009C002304");
 const QByteArray resetFrame = QByteArray::fromHex("555500000004");
 
 /// The client's side of the port, as plain as can be.
@@ -234,7 +236,6 @@ void SimulatorProcessTest::takesItsTimeOnTheWire()
     QFETCH(int, milliseconds);
     SimulatorProcess simulator({QStringLiteral("--pace")});
     Client client(simulator.port(), static_cast<speed_t>(speed));
-    const QByteArray readFrame = QByteArray::fromHex("55550140009C002304");
     QElapsedTimer timer;
     timer.start();
     client.send(readFrame);
@@ -255,8 +256,12 @@ void SimulatorProcessTest::waitsWithoutUsingTheProcessor()
     Client client(simulator.port());
     client.send(versionFrame);
     QTRY_COMPARE(client.received(), versionFrame + versionReply);
+    // As long as the answer of another simulator takes on a slow wire, some 285 milliseconds.
+    SimulatorProcess clock({QStringLiteral("--pace")});
+    Client slow(clock.port(), B9600);
     const int before = ticks();
-    QTest::qWait(300);
+    slow.send(readFrame);
+    QTRY_COMPARE(slow.received().size(), 9 + 265);
     QVERIFY(ticks() - before <= 1);
 }
 
