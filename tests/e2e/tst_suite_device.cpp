@@ -20,6 +20,7 @@ private slots:
     void theSmallestWindowCutsNothing();
     void changesAreStarredAndTakenBack();
     void savedSettingsReachTheCharger();
+    void savedSettingsLeaveTheChargersProfiles();
     void defaultsAreLoaded();
     void settingsGoWithTheProfiles();
     void aFailedSaveDisconnects();
@@ -163,6 +164,24 @@ void SuiteDeviceTest::savedSettingsReachTheCharger()
     QVERIFY(story->readData());
     QCOMPARE(page(), QStringList({"3", "on", "10", "0.80", "0.125", "30"}));
     QCOMPARE(starred(), saved);
+}
+
+void SuiteDeviceTest::savedSettingsLeaveTheChargersProfiles()
+{
+    QVERIFY(story->connectCharger());
+    const auto profiles = story->profilesOnCharger();
+    QTest::mouseClick(story->row(1)->findChild<QAbstractButton *>("activeProfileButton"),
+                      Qt::LeftButton);
+    QCOMPARE(story->titles().at(1), QStringLiteral("36V Li(10s)**"));
+
+    story->press("viewDeviceSettings");
+    story->enter("Brightness", "3");
+    story->press("saveChangesButton");
+    QVERIFY(story->endSaving());
+    QCOMPARE(story->onCharger("global_settings")["brightness"].toInt(), 3);
+    QCOMPARE(story->profilesOnCharger(), profiles);
+    // What waits for "Save Data" still says so.
+    QCOMPARE(story->titles().at(1), QStringLiteral("36V Li(10s)**"));
 }
 
 void SuiteDeviceTest::defaultsAreLoaded()
