@@ -77,6 +77,8 @@ private slots:
     void diesOfAMissingFile();
 
     void findsElementsByName();
+    void looksUpInOrder_data();
+    void looksUpInOrder();
     void copiesElements();
 
     void choosesTheStrictFile_data();
@@ -203,12 +205,19 @@ void TestGenerator::buildsTheUnitSettingsTwice()
 
     // A limit declared behind its setting holds back the first default, not the second.
     Generator late;
+    const auto heldBack = [&late] {
+        return late.getUnitSettingsStruct()
+            ->getStructSettingByName(QStringLiteral("b"))
+            ->getNumber();
+    };
+    double atSignal = 0;
+    connect(&late, &Generator::finished, this, [&] { atSignal = heldBack(); });
     late.parseSSFile(write(address +
                            element("Global settings", "global_settings",
                                    member("b", "5", "a") + member("a", "7", "9")) +
                            unitStats + profileStats + pageCounter + version + chemistries));
-    QCOMPARE(late.getUnitSettingsStruct()->getStructSettingByName(QStringLiteral("b"))->getNumber(),
-             5.0);
+    QCOMPARE(heldBack(), 5.0);
+    QCOMPARE(atSignal, 5.0);
 }
 
 void TestGenerator::readsDefines_data()
@@ -514,6 +523,55 @@ void TestGenerator::findsElementsByName()
         QVERIFY2(!verify(name), name);
 }
 
+void TestGenerator::looksUpInOrder_data()
+{
+    QTest::addColumn<QByteArray>("lookUp");
+    QTest::addColumn<QList<QByteArray>>("kinds");
+    QTest::newRow("all elements") << QByteArray("element")
+                                  << QList<QByteArray>{"global_settings", "global_stats",
+                                                       "profile_stats",   "version",
+                                                       "page_counter",    "hw_version",
+                                                       "barcode",         "chemistry"};
+    QTest::newRow("what tells chargers apart")
+        << QByteArray("verification") << QList<QByteArray>{"version", "hw_version", "barcode"};
+    QTest::newRow("copies") << QByteArray("copy")
+                            << QList<QByteArray>{"global_settings", "profile_stats", "global_stats",
+                                                 "version",         "page_counter",  "hw_version",
+                                                 "barcode",         "chemistry"};
+}
+
+/// Structs of one name: what comes first is found, and what stands in front is then renamed.
+void TestGenerator::looksUpInOrder()
+{
+    QFETCH(QByteArray, lookUp);
+    QFETCH(QList<QByteArray>, kinds);
+    QStringList found;
+    QStringList expected;
+    QList<QByteArray> renamed;
+    for (const QByteArray &kind : qAsConst(kinds)) {
+        QByteArray schema = address;
+        for (const char *each :
+             {"barcode", "chemistry", "chemistry", "chemistry", "hw_version", "page_counter",
+              "version", "profile_stats", "global_stats", "global_settings"})
+            schema += element(renamed.contains(each) ? "Other" : "Same", each);
+        Generator generator;
+        generator.parseSSFile(write(schema));
+        const QString name = QStringLiteral("Same");
+        const std::unique_ptr<StructSettings> copy(generator.copyFlashstackElementSettings(name));
+        const StructSettings *result = lookUp == "copy" ? copy.get()
+                                       : lookUp == "element"
+                                           ? generator.getFSElementByName(name)
+                                           : generator.getVeficationFSElementByName(name);
+        QVERIFY(result);
+        found.append(result->getStructType());
+        expected.append(QString::fromLatin1(kind));
+        if (kind == "chemistry" && lookUp == "element")
+            QCOMPARE(result, generator.getChemistrySettings().constFirst());
+        renamed.append(kind);
+    }
+    QCOMPARE(found, expected);
+}
+
 void TestGenerator::copiesElements()
 {
     Generator generator;
@@ -571,6 +629,9 @@ void TestGenerator::loadsTheChosenFile()
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(QStringLiteral(VELANTOR_BUNDLE_MEMBERS)));
     Generator generator;
+    int classAtSignal = 0;
+    connect(&generator, &Generator::strictSSFileLoaded, this,
+            [&] { classAtSignal = generator.hwVersion(); });
     generator.parseSSFile(QStringLiteral("master.ss"));
     generator.getHardwareVersionStruct()
         ->getStructSettingByName(QStringLiteral("version"))
@@ -582,6 +643,7 @@ void TestGenerator::loadsTheChosenFile()
     QCOMPARE(generator.getHFileLocation(), QStringLiteral("24V_rev7.ss"));
     QVERIFY(!generator.isMaster());
     QCOMPARE(generator.hwVersion(), 24);
+    QCOMPARE(classAtSignal, 24);
     QCOMPARE(strictLoaded.count(), 1);
     QCOMPARE(masterLoaded.count(), 0);
 }
@@ -595,6 +657,7 @@ void TestGenerator::keepsItsStructsWithoutAChoice()
     QSignalSpy strictLoaded(&generator, &Generator::strictSSFileLoaded);
     generator.chooseNewSSFile();
     QCOMPARE(generator.getVersionInfoStruct(), versionInfo);
+    QCOMPARE(generator.getHFileLocation(), QString());
     QCOMPARE(finished.count(), 0);
     QCOMPARE(strictLoaded.count(), 0); // the master stays in force
 
@@ -613,9 +676,13 @@ void TestGenerator::loadsTheMasterFile()
     Generator generator;
     generator.parseSSFile(QStringLiteral("72V_rev7.ss"));
     QSignalSpy masterLoaded(&generator, &Generator::masterSSFileLoaded);
+    bool masterAtSignal = false;
+    connect(&generator, &Generator::masterSSFileLoaded, this,
+            [&] { masterAtSignal = generator.isMaster(); });
     generator.loadMasterSSFile();
     QVERIFY(QDir::setCurrent(before));
     QCOMPARE(masterLoaded.count(), 1);
+    QVERIFY(masterAtSignal);
     QCOMPARE(generator.getHFileLocation(), QStringLiteral("master.ss"));
     QVERIFY(generator.isMaster());
 }

@@ -93,6 +93,9 @@ private slots:
     void followsItsDependees();
     void followsANewDefault();
     void losesDigitsWhenADependeeChanges();
+    void watchesItsFormulas_data();
+    void watchesItsFormulas();
+    void takesNewDecimals();
     void settlesAChain();
     void doesNotWatchTheDisplayIndex();
     void updatesItsValue();
@@ -673,12 +676,17 @@ void TestStructSetting::opensAndClosesAdvancedSettings()
     setting->setValue(6.0);
     QCOMPARE(setting->getNumber(), 6.0);
 
+    // Closed already when it takes its default.
+    bool openAtChange = true;
+    connect(setting.get(), &StructSetting::valueChanged, this,
+            [&] { openAtChange = setting->advancedEnabled; });
     double seenAtSignal = 0;
     connect(setting.get(), &StructSetting::enableView, this,
             [&] { seenAtSignal = setting->getNumber(); });
     setting->enableAdvancedMode(false);
     QCOMPARE(view.takeFirst().at(0).toBool(), false);
     QVERIFY(!setting->advancedEnabled);
+    QVERIFY(!openAtChange);
     QCOMPARE(setting->getNumber(), 4.0);
     QCOMPARE(seenAtSignal, 4.0); // the default stands before the widgets hear of it
 
@@ -753,6 +761,49 @@ void TestStructSetting::losesDigitsWhenADependeeChanges()
     QCOMPARE(total->getNumber(), 1234567.0);
     limit->setValue(60000000.0);
     QCOMPARE(total->getNumber(), 1234570.0);
+}
+
+void TestStructSetting::watchesItsFormulas_data()
+{
+    QTest::addColumn<QString>("fields"); // lower and upper bound, scale and decimals; the default
+    QTest::addColumn<QString>("fallback");
+    QTest::newRow("lower bound") << QStringLiteral("a, 9, *1, 0") << QStringLiteral("9");
+    QTest::newRow("upper bound") << QStringLiteral("0, a, *1, 0") << QStringLiteral("9");
+    QTest::newRow("scale") << QStringLiteral("0, 9, *a, 0") << QStringLiteral("9");
+    QTest::newRow("decimals") << QStringLiteral("0, 9, *1, a") << QStringLiteral("9");
+    QTest::newRow("default") << QStringLiteral("0, 9, *1, 0") << QStringLiteral("a");
+}
+
+void TestStructSetting::watchesItsFormulas()
+{
+    QFETCH(QString, fields);
+    QFETCH(QString, fallback);
+    StructSetting named(
+        QStringLiteral("int a; // num, auto, 0, 9, *1, 0, \"A\", \"\", \"a\", 1, 0, basic"));
+    StructSetting setting(
+        QStringLiteral("int b; // num, auto, %1, \"B\", \"\", \"b\", %2, 1, basic")
+            .arg(fields, fallback));
+    join({&named, &setting});
+    int changes = 0;
+    for (const Formula *formula : {setting.lowerBound, setting.upperBound, setting.scale,
+                                   setting.decimals, setting.defaultFormula})
+        connect(formula, &Formula::memberSettingChanged, this, [&changes] { ++changes; });
+    named.setValue(2.0);
+    QCOMPARE(changes, 1);
+}
+
+void TestStructSetting::takesNewDecimals()
+{
+    const Setting places =
+        parse("int a; // num, auto, 0, 9, *1, 0, \"A\", \"\", \"a\", 1, 0, basic");
+    const Setting setting =
+        parse("int b; // num, auto, 0, 9, *1, a, \"B\", \"\", \"b\", 1, 1, basic");
+    join({places.get(), setting.get()});
+    places->setValue(2.0);
+    setting->setValue(1.25);
+    QCOMPARE(setting->getNumber(), 1.25);
+    places->setValue(1.0);
+    QCOMPARE(setting->getNumber(), 1.3);
 }
 
 void TestStructSetting::settlesAChain()
@@ -892,6 +943,13 @@ void TestStructSetting::takesTheFormulasOfAnother()
     QCOMPARE(setting->decimals->toDouble(), 2.0);
     QCOMPARE(setting->defaultFormula->toDouble(), 50.0);
 
+    const Setting other = parse("long y; // num, auto, 61, 103, *0.5, 2, \"Y\", \"\", \"y\", 70, "
+                                "0, basic");
+    QVERIFY(!setting->setFormulaTrees(other.get(), {}));
+    QCOMPARE(setting->getNumber(), 61.0);
+    QCOMPARE(setting->scale->toString(), QStringLiteral("0.5"));
+    QCOMPARE(setting->scale->toDouble(), 0.5);
+
     // The number itself is applied again, not its text of six digits.
     const Setting fine = numberWith("0", "99999", "4", "50");
     QVERIFY(setting->setFormulaTrees(fine.get(), {}));
@@ -908,11 +966,11 @@ void TestStructSetting::takesTheFormulasOfAnother()
     QCOMPARE(advanced->getNumber(), 20.0);
 
     // Names are looked up anew.
-    const Setting other = numberWith("0", "9", "0", "7");
+    const Setting limit = numberWith("0", "9", "0", "7");
     const Setting named =
         parse("int y; // num, auto, 0, x, *1, 0, \"Y\", \"\", \"y\", 1, 0, basic");
-    other->setDefault();
-    QVERIFY(!setting->setFormulaTrees(named.get(), {other.get()}));
+    limit->setDefault();
+    QVERIFY(!setting->setFormulaTrees(named.get(), {limit.get()}));
     QCOMPARE(setting->getNumber(), 7.0);
 }
 

@@ -207,12 +207,16 @@ void TestStructSettings::tellsOfTheOverrideStateEveryTime()
 {
     StructSettings element;
     QSignalSpy spy(&element, &StructSettings::advancedEditedChanged);
+    QList<bool> statesAtSignal;
+    connect(&element, &StructSettings::advancedEditedChanged, this,
+            [&] { statesAtSignal.append(element.getAdvancedSettingsEdited()); });
     element.setAdvancedSettingsEdited(true);
     element.setAdvancedSettingsEdited(true);
     element.setAdvancedSettingsEdited(false);
     QCOMPARE(spy.count(), 3);
     QCOMPARE(spy.at(1).at(0).toBool(), true);
     QCOMPARE(spy.at(2).at(0).toBool(), false);
+    QCOMPARE(statesAtSignal, (QList<bool>{true, true, false}));
 }
 
 void TestStructSettings::appliesDefaults()
@@ -546,6 +550,18 @@ void TestStructSettings::stopsAtTheFirstMisfit()
     QCOMPARE(member(copy, "bulk_I")->getNumber(), 5.0);
     QCOMPARE(member(copy, "full_V")->getNumber(), 60.0);
     QCOMPARE(member(copy, "full_V")->upperBound->toString(), QStringLiteral("63"));
+
+    // What others depend on comes first: the bulk current has its new limit when the start current,
+    // which is declared before it, does not fit.
+    const Struct other = profile();
+    member(other, "bulk_I")->setUpperBound(QStringLiteral("15"));
+    member(other, "start_I")->setUpperBound(QStringLiteral("1"));
+    member(element, "start_I")->enableAdvancedMode(true);
+    member(element, "start_I")->setValue(3.0);
+    const Struct second(element->deepCopyWithValues());
+    QVERIFY(!second->setFormulaTrees(other.get()));
+    QCOMPARE(member(second, "start_I")->getNumber(), 1.0);
+    QCOMPARE(member(second, "bulk_I")->upperBound->toString(), QStringLiteral("15"));
 }
 
 QTEST_GUILESS_MAIN(TestStructSettings)
