@@ -156,11 +156,14 @@ private slots:
     void buildsAProfile();
     void emptyTexts();
     void emptyValuesKeepDefaults();
+    void recordTellsWhatItsPropertiesLeaveOpen();
     void boundsDependOnOtherMembers();
     void bounds_data();
     void bounds();
     void limitThatCutsTheDefaultIsNoLessALimit();
+    void hiddenMembersKeepTheLimitInstead();
     void incompatibleProfilesAreNamed();
+    void misfitBeforeTheNameIsNamedAsWell();
     void unknownStructsAreDropped();
     void advancedSettings_data();
     void advancedSettings();
@@ -171,6 +174,7 @@ private slots:
     void averages();
     void noChargesYet();
     void missingStatisticsAreZero();
+    void statisticsOfAnotherSchema();
     void ids_data();
     void ids();
     void idsRunOut();
@@ -485,6 +489,17 @@ void ImportProfilesMainTest::emptyValuesKeepDefaults()
     QVERIFY(!profiles.first()->getModifiable());
 }
 
+void ImportProfilesMainTest::recordTellsWhatItsPropertiesLeaveOpen()
+{
+    ParsedFSElement *open = element(of("Lead", {{"title", "open"}}));
+    open->setModifiableStatus(true);
+    ParsedFSElement *locked = element(of("Lead", {{"title", "locked"}, {"modifiable", "false"}}));
+    locked->setModifiableStatus(true);
+    const auto profiles = build({open, locked});
+    QVERIFY(profiles.at(0)->getModifiable());
+    QVERIFY(!profiles.at(1)->getModifiable());
+}
+
 void ImportProfilesMainTest::boundsDependOnOtherMembers()
 {
     // Each of these fits only the full voltage that comes behind it in the record.
@@ -546,6 +561,16 @@ void ImportProfilesMainTest::limitThatCutsTheDefaultIsNoLessALimit()
     QCOMPARE(boxes.titles(), QStringList{q("Incompatible Profiles")});
 }
 
+void ImportProfilesMainTest::hiddenMembersKeepTheLimitInstead()
+{
+    // The schema fixes the number of the chemistry; no user sees or sets it.
+    MessageBoxAnswers boxes;
+    const auto profiles = build(elements({with(lithium, {{"chemistry", "3"}})}));
+    QCOMPARE(profiles.size(), 1);
+    QCOMPARE(valueOf(profiles.first(), "chemistry"), q("0"));
+    QVERIFY(boxes.seen().isEmpty());
+}
+
 void ImportProfilesMainTest::incompatibleProfilesAreNamed()
 {
     load("72V_rev7.ss");
@@ -562,6 +587,15 @@ void ImportProfilesMainTest::incompatibleProfilesAreNamed()
     QCOMPARE(boxes.seen().first().text,
              q("The following profiles aren't compatible with the 72V Velantor's hardware limits. "
                "\n\nToo much - Fast\nAlso - \n\nThey can not be imported."));
+}
+
+void ImportProfilesMainTest::misfitBeforeTheNameIsNamedAsWell()
+{
+    MessageBoxAnswers boxes;
+    QVERIFY(build(elements({with(lithium, {{"profile_id", "300"}})})).isEmpty());
+    QCOMPARE(boxes.seen().size(), 1);
+    QVERIFY2(boxes.seen().first().text.contains(q("\n36V Li - Fast\n")),
+             qPrintable(boxes.seen().first().text));
 }
 
 void ImportProfilesMainTest::unknownStructsAreDropped()
@@ -709,6 +743,32 @@ void ImportProfilesMainTest::missingStatisticsAreZero()
     const StructSettings *counted = profiles.first()->getStats()->structSettings;
     QCOMPARE(valueOf(counted, "charge_count"), q("0"));
     QCOMPARE(valueOf(counted, "Wh"), q("0"));
+}
+
+void ImportProfilesMainTest::statisticsOfAnotherSchema()
+{
+    QFile delivered(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/master.ss"));
+    QVERIFY(delivered.open(QIODevice::ReadOnly));
+    QByteArray schema = delivered.readAll();
+    const auto change = [&schema](const QByteArray &before, const QByteArray &after) {
+        QVERIFY(schema.contains(before));
+        schema.replace(before, after);
+    };
+    change("\"watt_hours\", 0, 0, basic", "\"watt_hours\", 0, 0, advanced");
+    change("\"amp_hours\", 0, 1, basic", "\"amp_hours\", 7, 1, basic");
+    const WorkingDirectory directory;
+    directory.write(q("other.ss"), schema);
+    generator->parseSSFile(q("other.ss"));
+
+    Properties counted = stats;
+    counted.remove(q("amp_hours"));
+    const auto profiles = build(elements({lithium}), elements({counted}));
+    const StructSettings *record = profiles.first()->getStats()->structSettings;
+    // An advanced figure is not opened, so it keeps its default; a missing one is 0, whatever the
+    // default.
+    QCOMPARE(valueOf(record, "Wh"), q("0"));
+    QCOMPARE(valueOf(record, "Ah"), q("0"));
+    QCOMPARE(valueOf(record, "charge_count"), q("10"));
 }
 
 void ImportProfilesMainTest::ids_data()
