@@ -226,6 +226,10 @@ void ProfileNameTest::activeLook()
 {
     auto *button = child<QPushButton>("activeProfileButton");
     QSignalSpy changes(member("active"), &StructSetting::valueChanged);
+    // Whoever hears of the change finds the row showing it.
+    QStringList looks;
+    connect(member("active"), &StructSetting::valueChanged, button,
+            [&] { looks.append(button->toolTip()); });
     row()->setActive(true);
     QVERIFY(shows(button, greenLight));
     QCOMPARE(button->toolTip(), QStringLiteral("Active"));
@@ -239,6 +243,7 @@ void ProfileNameTest::activeLook()
     QCOMPARE(button->toolTip(), QStringLiteral("Not Active"));
     QVERIFY(!row()->getActiveStatus());
     QCOMPARE(changes.count(), 2);
+    QCOMPARE(looks, QStringList({QStringLiteral("Active"), QStringLiteral("Not Active")}));
     QCOMPARE(button->styleSheet(), QStringLiteral("border:none;"));
 }
 
@@ -246,6 +251,9 @@ void ProfileNameTest::defaultLook()
 {
     auto *button = child<QPushButton>("defaultProfileButton");
     QSignalSpy changes(member("defaultprofile"), &StructSetting::valueChanged);
+    QStringList looks;
+    connect(member("defaultprofile"), &StructSetting::valueChanged, button,
+            [&] { looks.append(button->toolTip()); });
     row()->setDefault(true);
     QCOMPARE(button->styleSheet(), black);
     QCOMPARE(button->toolTip(), QStringLiteral("Default"));
@@ -258,6 +266,7 @@ void ProfileNameTest::defaultLook()
     QCOMPARE(button->toolTip(), QStringLiteral("Not Default"));
     QVERIFY(!row()->getDefaultStatus());
     QCOMPARE(changes.count(), 2);
+    QCOMPARE(looks, QStringList({QStringLiteral("Default"), QStringLiteral("Not Default")}));
 }
 
 void ProfileNameTest::clicksOnlyAsk_data()
@@ -482,7 +491,9 @@ void ProfileNameTest::restoresBackup()
     row()->setActive(true);
     member("modifiable")->setValue(false);
 
+    QSignalSpy told(member("modifiable"), &StructSetting::valueChanged);
     row()->restoreBackup();
+    QCOMPARE(told.count(), 1);
     QCOMPARE(member("title")->getValue(), QStringLiteral("Commuter"));
     QCOMPARE(member("description")->getValue(), QStringLiteral("14s to 80%"));
     QCOMPARE(member("bulk_I")->getValue(), QStringLiteral("4"));
@@ -515,8 +526,15 @@ void ProfileNameTest::restoresOverrideState()
     for (StructSetting *setting : profile.structSettings->getOriginalOrderStructSettings())
         setting->enableAdvancedMode(!edited);
     member("start_I")->setValue(0.6);
+    member("bulk_I")->setValue(3.0);
 
+    // The state comes before the values, which it opens or closes.
+    QString valueAtSignal;
+    connect(profile.structSettings, &HParser::StructSettings::advancedEditedChanged, row(),
+            [&] { valueAtSignal = member("bulk_I")->getValue(); });
     row()->restoreBackup();
+    QCOMPARE(valueAtSignal, QStringLiteral("3"));
+    QCOMPARE(member("bulk_I")->getValue(), QStringLiteral("4"));
     QCOMPARE(profile.structSettings->getAdvancedSettingsEdited(), edited);
     QCOMPARE(member("start_I")->getValue(), before);
     for (const StructSetting *setting : profile.structSettings->getOriginalOrderStructSettings())

@@ -164,6 +164,7 @@ private slots:
     void cancelledWizardAddsNothing();
     void importsProfiles();
     void firstImportedDefaultWins();
+    void importedStatesAreTakenAsTheyAre();
     void importAfterTheDefaultIsGone();
 
     void selectsByClick();
@@ -180,12 +181,14 @@ private slots:
     void cancelledEditTakesTheDefaultMarkBack();
     void quickUpdates_data();
     void quickUpdates();
+    void statesAtQuickUpdates();
 
     void movesRows();
     void movesNothingAtTheEnds();
     void movesNothingWithoutCurrentRow();
     void movedDefaultStaysDefault();
     void movedDefaultCanBeDeactivated();
+    void moveOfAnotherRowKeepsTheDefault();
     void movedRowStaysCurrentAndConnected();
     void movedRowStopsMarking();
     void movedRowScrollsIntoView();
@@ -340,6 +343,15 @@ void ProfileNamesListManagerTest::firstImportedDefaultWins()
     QCOMPARE(window->states(), texts({"A", "AD", "A"}));
 }
 
+/// What was read goes back to the charger as it was, until the user changes it.
+void ProfileNamesListManagerTest::importedStatesAreTakenAsTheyAre()
+{
+    window->import("Asleep", false, true);
+    QCOMPARE(window->states(), texts({"D"}));
+    window->press(0, "activeProfileButton");
+    QCOMPARE(window->states(), texts({"AD"}));
+}
+
 void ProfileNamesListManagerTest::importAfterTheDefaultIsGone()
 {
     window->import("First", true, true);
@@ -353,7 +365,14 @@ void ProfileNamesListManagerTest::selectsByClick()
     window->import("A");
     window->import("B");
     QSignalSpy shown(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded);
+    // The pane hears of it when the list shows it.
+    bool readyAtSignal = false;
+    connect(window->manager, &ProfileNamesListManager::settingsPaneUpdateNeeded, this, [&] {
+        readyAtSignal =
+            window->highlighted(1) && window->up().isEnabled() && window->down().isEnabled();
+    });
     window->click(1);
+    QVERIFY(readyAtSignal);
     QCOMPARE(shown.count(), 1);
     QCOMPARE(rowOf(shown.last()), window->row(1));
     QVERIFY(window->highlighted(1));
@@ -531,6 +550,27 @@ void ProfileNamesListManagerTest::quickUpdates()
     QCOMPARE(full.count(), 1);
 }
 
+/// What the pane finds in the list at each update.
+void ProfileNamesListManagerTest::statesAtQuickUpdates()
+{
+    window->import("A", true, true);
+    window->import("B", false);
+    window->click(0);
+    QStringList seen;
+    connect(window->manager, &ProfileNamesListManager::quickSettingsPaneUpdateNeeded, this,
+            [&] { seen.append(window->states().join(QLatin1Char('/'))); });
+    window->press(1, "defaultProfileButton");
+    QCOMPARE(seen, texts({"A/AD"}));
+    seen.clear();
+    window->press(1, "defaultProfileButton");
+    QCOMPARE(seen, texts({"A/A"}));
+    window->press(1, "defaultProfileButton");
+    seen.clear();
+    // Two changes, and the pane hears of each.
+    window->press(1, "activeProfileButton");
+    QCOMPARE(seen, texts({"A/D", "A/"}));
+}
+
 void ProfileNamesListManagerTest::movesRows()
 {
     window->import("A");
@@ -604,6 +644,19 @@ void ProfileNamesListManagerTest::movedDefaultCanBeDeactivated()
     // No default is left, so that one which is imported gets the mark.
     window->import("C", true, true);
     QCOMPARE(window->states(), texts({"A", "", "AD"}));
+}
+
+void ProfileNamesListManagerTest::moveOfAnotherRowKeepsTheDefault()
+{
+    window->import("A", true, true);
+    window->import("B", true);
+    window->import("C", true);
+    window->click(1);
+    window->manager->profilePushDown();
+    QCOMPARE(window->states(), texts({"AD", "A", "A"}));
+    // It still is the one that gives the mark up.
+    window->press(2, "defaultProfileButton");
+    QCOMPARE(window->states(), texts({"A", "A", "AD"}));
 }
 
 void ProfileNamesListManagerTest::movedRowStaysCurrentAndConnected()
