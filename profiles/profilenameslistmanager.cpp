@@ -298,8 +298,8 @@ void ProfileNamesListManager::deleteProfileWithConfirmation(ProfileName *name)
     const QPointer<ProfileName> row(name);
     QMessageBox box(parentWidget);
     box.setWindowTitle(tr("Deleting Profile"));
-    box.setText(tr("Do you really want to remove the profile <b>\"") + name->getTitle() +
-                tr("\"</b>?"));
+    box.setText(tr("Do you really want to remove the profile <b>\"") +
+                name->getTitle().toHtmlEscaped() + tr("\"</b>?"));
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::No);
     if (box.exec() == QMessageBox::Yes && row)

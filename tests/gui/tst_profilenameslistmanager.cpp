@@ -19,6 +19,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextDocument>
 
 #include <memory>
 
@@ -198,6 +199,7 @@ private slots:
     void asksBeforeDeleting_data();
     void asksBeforeDeleting();
     void asksWithTheMarkedTitle();
+    void titleInTheQuestionIsNoMarkup();
     void rowThatWentWhileAsking();
     void deletesCurrentRow();
     void deletesAnotherRow();
@@ -770,6 +772,20 @@ void ProfileNamesListManagerTest::asksWithTheMarkedTitle()
     window->press(0, "deleteProfileButton");
     QCOMPARE(answers->seen().value(0).text,
              QStringLiteral("Do you really want to remove the profile <b>\"Go**\"</b>?"));
+}
+
+void ProfileNamesListManagerTest::titleInTheQuestionIsNoMarkup()
+{
+    window->import("<i>A&lt;B");
+    QString shown;
+    answers->push([&](QMessageBox *box) {
+        QTextDocument text;
+        text.setHtml(box->text());
+        shown = text.toPlainText();
+        box->button(QMessageBox::No)->click();
+    });
+    window->press(0, "deleteProfileButton");
+    QCOMPARE(shown, QStringLiteral("Do you really want to remove the profile \"<i>A&lt;B\"?"));
 }
 
 void ProfileNamesListManagerTest::rowThatWentWhileAsking()
