@@ -2,6 +2,7 @@
 
 #include "device/comdevicewatcher.h"
 #include "device/downloadprofiles.h"
+#include "device/portdropdown.h"
 #include "device/transferfailedbox.h"
 #include "ui_connectdialog.h"
 
@@ -17,6 +18,8 @@ ConnectDialog::ConnectDialog(QWidget *parent)
       watcher(new COMDeviceWatcher(this))
 {
     ui->setupUi(this);
+    ports =
+        std::make_unique<PortDropdown>(ui->comPortsDropdown, PortDropdown::BuiltInPorts::LeftOut);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::ApplicationModal);
     setWindowTitle(tr("Connect"));
@@ -25,7 +28,7 @@ ConnectDialog::ConnectDialog(QWidget *parent)
     ui->okButton->setFocusPolicy(Qt::NoFocus);
     connect(ui->okButton, &QPushButton::clicked, this, &ConnectDialog::on_okButtonPressed);
 
-    listPorts();
+    ports->insertPorts();
     if (ui->comPortsDropdown->count() > 0)
         ui->comPortsDropdown->setCurrentIndex(0);
     else
@@ -102,10 +105,10 @@ void ConnectDialog::connectFail()
         close();
 }
 
-void ConnectDialog::onDevicesConnected(QList<QextPortInfo> ports)
+void ConnectDialog::onDevicesConnected(QList<QextPortInfo> added)
 {
-    for (const QextPortInfo &port : qAsConst(ports))
-        addPortToDropdown(port);
+    for (const QextPortInfo &port : qAsConst(added))
+        ports->add(port);
     if (!ui->okButton->isEnabled() && ui->comPortsDropdown->count() > 0) {
         ui->okButton->setEnabled(true);
         ui->errorMessage->clear();
@@ -113,38 +116,11 @@ void ConnectDialog::onDevicesConnected(QList<QextPortInfo> ports)
     ui->comPortsDropdown->setCurrentIndex(0);
 }
 
-void ConnectDialog::onDevicesDisconnected(QList<QextPortInfo> ports)
+void ConnectDialog::onDevicesDisconnected(QList<QextPortInfo> removed)
 {
-    for (const QextPortInfo &port : qAsConst(ports)) {
-        const int index = ui->comPortsDropdown->findText(port.portName);
-        if (index >= 0)
-            ui->comPortsDropdown->removeItem(index);
-    }
+    ports->remove(removed);
     if (ui->comPortsDropdown->count() == 0)
         showNoPort();
-}
-
-void ConnectDialog::listPorts()
-{
-    for (const QextPortInfo &port : QextSerialEnumerator::getPorts()) {
-        // Built-in serial ports, with no charger behind them, stay out. The last port stands
-        // first: it is the cable that was plugged in most lately.
-        if (!port.portName.contains(QStringLiteral("ttyS")))
-            ui->comPortsDropdown->insertItem(0, port.portName);
-    }
-}
-
-void ConnectDialog::addPortToDropdown(const QextPortInfo &port)
-{
-    if (ui->comPortsDropdown->findText(port.portName) >= 0)
-        return;
-    const int before = ui->comPortsDropdown->count();
-    ui->comPortsDropdown->clear();
-    listPorts();
-    for (int index = 0; index < before; ++index) {
-        if (ui->comPortsDropdown->itemText(index) == port.portName)
-            ui->comPortsDropdown->setCurrentIndex(index);
-    }
 }
 
 void ConnectDialog::showNoPort()

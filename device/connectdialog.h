@@ -9,6 +9,7 @@
 #include <qextserialenumerator.h>
 
 class COMDeviceWatcher;
+class PortDropdown;
 
 namespace Ui
 {
@@ -51,16 +52,15 @@ public slots:
     void on_okButtonPressed();
     void connectSuccess();
     void connectFail();
-    void onDevicesConnected(QList<QextPortInfo> ports);
-    void onDevicesDisconnected(QList<QextPortInfo> ports);
+    void onDevicesConnected(QList<QextPortInfo> added);
+    void onDevicesDisconnected(QList<QextPortInfo> removed);
 
 private:
-    void listPorts();
-    void addPortToDropdown(const QextPortInfo &port);
     void showNoPort();
     void showStopped(const QString &status, int percent);
 
     std::unique_ptr<Ui::ConnectDialog> ui;
+    std::unique_ptr<PortDropdown> ports;
     bool okByProgram = false;
     QString fileLocation;
     COMDeviceWatcher *watcher; ///< a child of this dialog
