@@ -3,16 +3,10 @@
 #include "app/applicationglobalmap.h"
 #include "app/buildinfo.h"
 #include "app/filenames.h"
+#include "app/messageboxsize.h"
 
-#include <QGridLayout>
-#include <QGuiApplication>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QSpacerItem>
 
 #include <memory>
 
@@ -37,38 +31,6 @@ QString link(const QString &address, const QString &text)
 {
     return QStringLiteral("<a href = \"") + address + QStringLiteral("\">") + text +
            QStringLiteral("</a>");
-}
-
-/// Lets a text scroll that would make its box higher than the screen. For a box that is complete.
-void keepOnScreen(QMessageBox *box)
-{
-    auto *text = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
-    auto *grid = qobject_cast<QGridLayout *>(box->layout());
-    const int place = text && grid ? grid->indexOf(text) : -1;
-    const int highest = QGuiApplication::primaryScreen()->availableGeometry().height() * 3 / 4;
-    if (place == -1 || text->sizeHint().height() <= highest)
-        return;
-    int row = 0;
-    int column = 0;
-    int rows = 0;
-    int columns = 0;
-    grid->getItemPosition(place, &row, &column, &rows, &columns);
-    auto *area = new QScrollArea(box);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setMinimumSize(text->sizeHint().width() + area->verticalScrollBar()->sizeHint().width(),
-                         highest);
-    grid->removeWidget(text);
-    area->setWidget(text);
-    grid->addWidget(area, row, column, rows, columns);
-}
-
-/// A message box has no minimum width of its own: a row below its parts holds it open.
-void setLeastWidth(QMessageBox *box, int pixels)
-{
-    auto *grid = qobject_cast<QGridLayout *>(box->layout());
-    Q_ASSERT(grid);
-    grid->addItem(new QSpacerItem(pixels, 0, QSizePolicy::Minimum, QSizePolicy::Expanding),
-                  grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 } // namespace
