@@ -15,6 +15,7 @@
 #include "device/uploaddownloadmanager.h"
 #include "editors/displayunitstats.h"
 #include "editors/settingspanemanager.h"
+#include "firmware/velantorfirmwaretoolwindow.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
@@ -24,10 +25,13 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QPalette>
+#include <QPointer>
 #include <QResizeEvent>
 #include <QStyle>
 
@@ -94,6 +98,8 @@ MainWindow::MainWindow(QWidget *parent)
     extraUIAdditions();
     connectActions();
     hideWhatIsNotThereYet();
+    if (QCoreApplication::arguments().contains(QStringLiteral("-f")))
+        runFirmwareToolAlone();
     resize(size());
 }
 
@@ -329,6 +335,7 @@ void MainWindow::connectActions()
     connect(ui->actionHelp_2, &QAction::triggered, this, &MainWindow::on_actionHelp);
     connect(ui->actionAbout, &QAction::triggered, this, &MainWindow::on_actionAbout);
     connect(ui->actionAboutDevice, &QAction::triggered, this, &MainWindow::on_actionAboutDevice);
+    connect(ui->actionFlashFirmware, &QAction::triggered, this, &MainWindow::on_flashFirmware);
     connect(ui->actionExit, &QAction::triggered, this, &MainWindow::on_actionExit);
     connect(ui->actionImportHEX, &QAction::triggered, hexManager,
             &HEXGeneratorParser::HEXManager::on_importFromHEXButtonClicked);
@@ -350,12 +357,12 @@ void MainWindow::connectActions()
             &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
 }
 
-/// Firmware tool and updates have their places in the form but no manager yet: what would lead to
-/// them is out of reach.
+/// Updates have their places in the form but no manager yet: what would lead to them is out of
+/// reach.
 void MainWindow::hideWhatIsNotThereYet()
 {
-    for (QAction *action : {ui->actionFlashFirmware, ui->actionCheckNewFirmware,
-                            ui->actionCheckNewSoftware, ui->actionChangeAutoUpdates})
+    for (QAction *action :
+         {ui->actionCheckNewFirmware, ui->actionCheckNewSoftware, ui->actionChangeAutoUpdates})
         action->setEnabled(false);
 }
 
@@ -382,6 +389,37 @@ void MainWindow::on_actionAboutDevice()
     auto *stats = new DisplayUnitStats(generator, this);
     stats->setWindowTitle(tr("Device Stats"));
     stats->show();
+}
+
+void MainWindow::on_flashFirmware()
+{
+    openFirmwareTool();
+}
+
+FirmwareTool::VelantorFirmwareToolWindow *MainWindow::openFirmwareTool()
+{
+    using FirmwareTool::VelantorFirmwareToolWindow;
+
+    auto *tool = new VelantorFirmwareToolWindow(this);
+    connect(tool, &VelantorFirmwareToolWindow::flashed, this, &MainWindow::reloadBundle);
+    connect(tool, &VelantorFirmwareToolWindow::resetVelantorSignalFT, this,
+            &MainWindow::onDisconnectAndResetWithPort);
+    connect(tool, &VelantorFirmwareToolWindow::connectVelantorSignalFT, this,
+            &MainWindow::onConnect);
+    return tool;
+}
+
+void MainWindow::runFirmwareToolAlone()
+{
+    // A box whose parent is not visible ends the loop with its own end, where windows do that.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    const QPointer<FirmwareTool::VelantorFirmwareToolWindow> tool(openFirmwareTool());
+    QEventLoop loop;
+    connect(tool, &FirmwareTool::VelantorFirmwareToolWindow::closing, &loop, &QEventLoop::quit);
+    loop.exec();
+    // exit() destroys no window, and with it no uploader that still runs.
+    delete tool;
+    std::exit(0);
 }
 
 void MainWindow::on_actionExit()

@@ -12,6 +12,10 @@ class VelantorBundleManager;
 class QAction;
 class QLabel;
 
+namespace FirmwareTool
+{
+class VelantorFirmwareToolWindow;
+}
 namespace HEXGeneratorParser
 {
 class HEXManager;
@@ -41,7 +45,9 @@ class XMLManager;
 /// shows in tool bar and menus whether a charger is connected. Each feature lives in its manager.
 ///
 /// The constructor is the whole start-up: self-check, working directory, embedded files, bundle,
-/// schema, form, managers. It ends the process where the installation is not usable.
+/// schema, form, managers. It ends the process where the installation is not usable. With the
+/// option "-f" among the application's arguments it runs the firmware tool alone and ends the
+/// process when that closes.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -70,6 +76,8 @@ public slots:
     void on_actionAbout();
     /// Shows the charger's lifetime statistics in a window of their own; a new one per call.
     void on_actionAboutDevice();
+    /// Opens the firmware tool.
+    void on_flashFirmware();
     void on_actionExit();
 
     void velantorConnected(bool connected);
@@ -101,6 +109,8 @@ private:
     void setModelLabelFont();
     void connectActions();
     void hideWhatIsNotThereYet();
+    FirmwareTool::VelantorFirmwareToolWindow *openFirmwareTool();
+    [[noreturn]] void runFirmwareToolAlone();
 
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<PaneLayout> panes;

@@ -875,8 +875,8 @@ void MainWindowTest::degreeSignsSurviveTheBundle()
 void MainWindowTest::whatIsNotThereYetIsOutOfReach()
 {
     emit manager()->settingsRead(true);
-    for (const char *name : {"actionFlashFirmware", "actionCheckNewFirmware",
-                             "actionCheckNewSoftware", "actionChangeAutoUpdates"})
+    for (const char *name :
+         {"actionCheckNewFirmware", "actionCheckNewSoftware", "actionChangeAutoUpdates"})
         QVERIFY2(!action(name)->isEnabled(), name);
 }
 
