@@ -42,3 +42,16 @@ inline const QString VELANTOR_BUNDLE_VERSION_KEY = QStringLiteral("VERSION");
 inline const QString VEXA_FILE_NAME = QStringLiteral("vexa.bin");
 /// The folder of the profile files, in which file dialogs begin.
 inline const QString SAVED_PROFILES_DIRECTORY = QStringLiteral("saved_profiles");
+/// The end of the name of every bundle.
+inline const QString BUNDLE_EXTENSION = QStringLiteral(".velantor");
+/// What the uploader said in runs on profiles, one after the other.
+inline const QString UPLOADER_LOG_FILE_NAME = QStringLiteral("vexaLog.txt");
+/// The folder of the logs of firmware updates.
+inline const QString LOG_DIRECTORY = QStringLiteral("logs");
+
+/// Whether a file of this name is made executable when it is unpacked at the start.
+inline bool isProgramName(const QString &name)
+{
+    return name.contains(QLatin1String(".bin")) || name.contains(QLatin1String(".exe")) ||
+           name.contains(QLatin1String(".mac"));
+}

@@ -12,12 +12,6 @@ namespace
 const QString toolsRoot = QStringLiteral(":/Velantor Software Suite Files/");
 const QString defaultProfilesRoot = toolsRoot + SAVED_PROFILES_DIRECTORY + QLatin1Char('/');
 
-bool isProgram(const QString &name)
-{
-    return name.contains(QLatin1String(".bin")) || name.contains(QLatin1String(".exe")) ||
-           name.contains(QLatin1String(".mac"));
-}
-
 /// Replaces target by a copy with the same permissions. QFile::copy() goes by way of a temporary
 /// file and its name, which can keep a start waiting for the disk.
 void replaceFile(const QString &source, const QString &target)
@@ -53,7 +47,7 @@ void WorkingFiles::unpackToolsFrom(const QString &source)
         files.next();
         const QString target = inCurrentDirectory(files.fileName());
         replaceFile(files.filePath(), target);
-        if (isProgram(files.fileName())) {
+        if (isProgramName(files.fileName())) {
             // Replacing a file needs its folder only, so nobody has to read or write this one.
             QFile::setPermissions(target, QFile::ExeOwner | QFile::ExeUser | QFile::ExeGroup |
                                               QFile::ExeOther);

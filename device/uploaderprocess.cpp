@@ -11,7 +11,7 @@ void startUploader(QProcess *process, const QString &comPort, const QStringList 
     // instead of waiting for the charger to be switched on.
     const QStringList line{QStringLiteral("-s"), comPort, QStringLiteral("-h"),
                            QStringLiteral("-V")};
-    process->setStandardOutputFile(QStringLiteral("vexaLog.txt"), QIODevice::Append);
+    process->setStandardOutputFile(UPLOADER_LOG_FILE_NAME, QIODevice::Append);
     process->start(QStringLiteral("./") + VEXA_FILE_NAME, line + job, QIODevice::ReadWrite);
 }
 
