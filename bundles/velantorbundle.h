@@ -12,11 +12,18 @@ class VelantorBundle : public QObject
     Q_OBJECT
 
 public:
+    /// The size in bytes beyond which a file is refused as a bundle, before memory and disk fill
+    /// up. Real bundles have some hundred thousand; there is room for chargers with far more flash.
+    static constexpr qint64 longestBundle = 16 * 1024 * 1024;
+
     /// Keeps the path, relative to the current directory or absolute; reads nothing.
     explicit VelantorBundle(QString path);
 
     /// The version that the header names, else the one in the file's name, else "0".
     static QString getBundleVersion(const QString &path);
+
+    /// Whether the path is a plain file, or a link to one, of a size that a bundle can have.
+    static bool canBeBundle(const QString &path);
 
     /// Reads the header. Without a readable file or a header no value changes.
     void parseKeyValuePairs();
@@ -24,11 +31,16 @@ public:
     QString valueFromKey(const QString &key);
 
     /// Reads the header and writes every member, over what stands there under its name. A member
-    /// whose name leads out of the current directory is left out. True when the bundle could be
-    /// read and the device table that overwrites profiles is in place.
+    /// that MemberFile::mayWrite() refuses is left out. True when the bundle could be read and the
+    /// device table that overwrites profiles is in place. What is larger than longestBundle, no
+    /// plain file or made of hundreds of members is false with nothing written.
     bool parseBundle();
     /// The name of the firmware image among the members, empty until parseBundle() found one.
     QString getHexFileName() const { return hexFileName; }
+    /// Whether parseBundle() came to the end line of the last firmware image and wrote all of it.
+    /// If not, the file of that name may be half an image, or one of another bundle: not to be
+    /// flashed.
+    bool isFirmwareWhole() const { return firmwareIsWhole; }
 
     /// Puts the device table in place that lets the uploader erase the stored profiles, or the one
     /// that spares them. False, with no device table at all, where that member is missing.
@@ -48,5 +60,6 @@ public:
 private:
     QString bundlePath;
     QString hexFileName;
+    bool firmwareIsWhole = false;
     QMap<QString, QString> keyValuePairs;
 };

@@ -95,7 +95,9 @@ QString VelantorBundleManager::getBundleUnderVersion(const QString &limit)
     QString bestName;
     for (const QFileInfo &entry : QDir().entryInfoList()) {
         const QString name = entry.fileName();
-        if (!name.endsWith(QLatin1String(".velantor")))
+        // What is no file of a bundle's size would have a version by its name, and be found
+        // outdated.
+        if (!name.endsWith(BUNDLE_EXTENSION) || !VelantorBundle::canBeBundle(name))
             continue;
         const VersionString version(VelantorBundle::getBundleVersion(name));
         if (version.isValid() && version.greaterThan(best) && version.lessThan(limitVersion)) {

@@ -62,6 +62,13 @@ void writeFile(const QString &name, const QByteArray &content)
                   "a file can be written");
 }
 
+QByteArray fileContent(const QString &name)
+{
+    QFile file(name);
+    fuzz::require(file.open(QIODevice::ReadOnly), "a file can be read");
+    return file.readAll();
+}
+
 /// What the choice among bundles does with a version.
 void compareVersions(const QString &text)
 {
@@ -99,11 +106,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     nameTheVersion(text);
     fuzz::require(Site::files() == QStringList(bundleName), "reading the header writes nothing");
 
-    // The bundle lies where its members go: one of them can have its name.
     VelantorBundle bundle(bundleName);
     const bool parsed = bundle.parseBundle();
     fuzz::require(parsed == QFile::exists(QStringLiteral("device.txt")),
                   "a bundle is good when there is a device table");
+    fuzz::require(!bundle.isFirmwareWhole() || QFile::exists(bundle.getHexFileName()),
+                  "a whole firmware image is there");
+    // The bundle lies where its members go, and none of them may take its place.
+    fuzz::require(fileContent(bundleName) == text, "a bundle stays as it is");
     site.requireNothingOutside();
     site.clear();
     return 0;

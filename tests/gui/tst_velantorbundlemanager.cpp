@@ -14,6 +14,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <sys/stat.h>
 
 namespace
 {
@@ -55,6 +56,7 @@ private slots:
 
     void picksTheNewestBelowTheLimit_data();
     void picksTheNewestBelowTheLimit();
+    void passesOverWhatIsNoBundle();
     void tellsThatThereAreNoBundles();
     void findsTheBundle_data();
     void findsTheBundle();
@@ -154,6 +156,19 @@ void VelantorBundleManagerTest::picksTheNewestBelowTheLimit()
     }
     QTEST(manager.getBundleUnderVersion(limit), "name");
     QTEST(bundleVersion(), "version");
+    QVERIFY(boxes->seen().isEmpty());
+}
+
+void VelantorBundleManagerTest::passesOverWhatIsNoBundle()
+{
+    write("v1.039.velantor"_s, header("1.039", "1.100"));
+    QVERIFY(QDir().mkdir("v5.velantor"_s));
+    QCOMPARE(mkfifo("v6.velantor", 0600), 0);
+    QVERIFY(QFile::link("/dev/zero"_s, "v7.velantor"_s));
+    QVERIFY(QFile::link("missing"_s, "v8.velantor"_s));
+    write("v9.velantor"_s, "...\n");
+    QVERIFY(QFile::resize("v9.velantor"_s, qint64(1) << 31)); // zeros to no end
+    QCOMPARE(found(manager), "1.039"_s);
     QVERIFY(boxes->seen().isEmpty());
 }
 

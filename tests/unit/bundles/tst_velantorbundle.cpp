@@ -1,5 +1,6 @@
 #include "bundles/velantorbundle.h"
 
+#include "support/inchild.h"
 #include "support/workingdirectory.h"
 
 #include <QDateTime>
@@ -10,6 +11,10 @@
 #include <QRegExp>
 #include <QTest>
 #include <QTextStream>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -118,7 +123,28 @@ private slots:
     void staysInTheWorkingDirectory_data();
     void staysInTheWorkingDirectory();
     void writesIntoAFolderThatExists();
-    void survivesItsOwnName();
+    void leavesWhatIsNotItsOwn_data();
+    void leavesWhatIsNotItsOwn();
+    void followsNoLink_data();
+    void followsNoLink();
+    void waitsForNoPipe();
+
+    void firmwareIsWhole_data();
+    void firmwareIsWhole();
+    void firmwareIsNotWholeBeforeItIsRead();
+    void firmwareThatCannotBeWrittenIsNotWhole();
+    void firmwareOnAFullDiskIsNotWhole();
+
+    void unpacksTheLargestBundle();
+    void refusesLargerBundles_data();
+    void refusesLargerBundles();
+    void unpacksTheMostMembers();
+    void refusesMoreMembers();
+    void refusesWhatIsNoFile_data();
+    void refusesWhatIsNoFile();
+    void refusesAFileWithoutPermission();
+    void hostileBundlesTakeLittleMemory_data();
+    void hostileBundlesTakeLittleMemory();
     void longLinesAreReadInReasonableTime();
 
 private:
@@ -623,19 +649,321 @@ void VelantorBundleTest::writesIntoAFolderThatExists()
     QCOMPARE(folder->read("saved_profiles/a..b.xml"_s), QByteArray("x\n"));
 }
 
-void VelantorBundleTest::survivesItsOwnName()
+void VelantorBundleTest::leavesWhatIsNotItsOwn_data()
 {
-    write(tables + member("b.velantor", QByteArray(50000, 'x') + "\n") + member("y", "y\n"));
-    VelantorBundle("b.velantor"_s).parseBundle();
-    QCOMPARE(folder->read("b.velantor"_s).size(), 50001);
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("uploader") << QByteArray("vexa.bin") << "vexa.bin";
+    QTest::newRow("uploader of another system") << QByteArray("vexa.exe") << "vexa.exe";
+    QTest::newRow("program by a part of its name") << QByteArray("x.mac.txt") << "x.mac.txt";
+    QTest::newRow("program as firmware") << QByteArray("vexa.bin.hex") << "vexa.bin.hex";
+    QTest::newRow("program by a detour") << QByteArray("./vexa.bin") << "vexa.bin";
+    QTest::newRow("preferences") << QByteArray("config.txt") << "config.txt";
+    QTest::newRow("preferences by a detour") << QByteArray(".//config.txt") << "config.txt";
+    QTest::newRow("itself") << QByteArray("b.velantor") << "b.velantor";
+    QTest::newRow("another bundle") << QByteArray("v2.velantor") << "v2.velantor";
+    QTest::newRow("log of profile runs") << QByteArray("vexaLog.txt") << "vexaLog.txt";
+    QTest::newRow("log of an update")
+        << QByteArray("logs/outputlog-x.txt") << "logs/outputlog-x.txt";
+    QTest::newRow("profile file of the user")
+        << QByteArray("saved_profiles/mine.xml") << "saved_profiles/mine.xml";
+}
+
+void VelantorBundleTest::leavesWhatIsNotItsOwn()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QString, file);
+    QVERIFY(QDir().mkdir("logs"_s) && QDir().mkdir("saved_profiles"_s));
+    folder->write(file, "the user's\n");
+    write(tables + member(name, "hostile\n") + member("behind.txt", "behind\n"));
+    const QByteArray before = folder->read(file);
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(folder->read(file), before);
+    QCOMPARE(folder->read("behind.txt"_s), QByteArray("behind\n"));
+    QCOMPARE(fresh.getHexFileName(), QString());
+}
+
+void VelantorBundleTest::followsNoLink_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("to a file") << QByteArray("file-link.hex");
+    QTest::newRow("to nothing") << QByteArray("loose-link.hex");
+    QTest::newRow("to a folder") << QByteArray("folder-link/new.hex");
+    QTest::newRow("to a folder, over a file") << QByteArray("folder-link/outside.hex");
+    QTest::newRow("in a folder") << QByteArray("inner/link.hex");
+    QTest::newRow("behind a full stop") << QByteArray("./folder-link/./new.hex");
+}
+
+void VelantorBundleTest::followsNoLink()
+{
+    QFETCH(QByteArray, name);
+    const WorkingDirectory outside;
+    outside.write("outside.hex"_s, "outside\n");
+    QVERIFY(QDir::setCurrent(folder->path()));
+    QVERIFY(QDir().mkdir("inner"_s));
+    QVERIFY(QFile::link(outside.path() + "/outside.hex"_s, "file-link.hex"_s));
+    QVERIFY(QFile::link(outside.path() + "/new.hex"_s, "loose-link.hex"_s));
+    QVERIFY(QFile::link(outside.path(), "folder-link"_s));
+    QVERIFY(QFile::link(outside.path() + "/outside.hex"_s, "inner/link.hex"_s));
+    write(tables + member("good.hex", "good\n") + member(name, "hostile\n"));
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(QDir(outside.path()).entryList(QDir::Files), QStringList("outside.hex"_s));
+    QCOMPARE(outside.read("outside.hex"_s), QByteArray("outside\n"));
+    QVERIFY(QFileInfo("file-link.hex"_s).isSymLink());
+    QCOMPARE(fresh.getHexFileName(), "good.hex"_s);
+    QVERIFY(!fresh.isFirmwareWhole());
+}
+
+void VelantorBundleTest::waitsForNoPipe()
+{
+    QCOMPARE(mkfifo("pipe.txt", 0600), 0);
+    write(tables + member("pipe.txt", "hostile\n") + member("pipe.txt", QByteArray()) +
+          member("behind.txt", "behind\n"));
+    QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(folder->read("behind.txt"_s), QByteArray("behind\n"));
+}
+
+void VelantorBundleTest::firmwareIsWhole_data()
+{
+    QTest::addColumn<QByteArray>("members");
+    QTest::addColumn<bool>("whole");
+    const QByteArray image = member("a.hex", ":00000001FF\n");
+    const QByteArray start = "////// b.hex //////\n:00000001FF\n";
+    QTest::newRow("closed") << image << true;
+    QTest::newRow("in capitals") << member("A.HEX", ":00000001FF\n") << true;
+    QTest::newRow("end line is the last of the file, without a line end")
+        << image.chopped(1) << true;
+    QTest::newRow("member behind it is cut off") << image + "////// x.txt //////\nx\n" << true;
+    QTest::newRow("none") << QByteArray() << false;
+    QTest::newRow("no more than a similar name") << member("a.Hex", "x\n") << false;
+    QTest::newRow("cut off behind the start line") << start.left(20) << false;
+    QTest::newRow("cut off within a line") << start.chopped(4) << false;
+    QTest::newRow("cut off behind a line") << start << false;
+    QTest::newRow("cut off within the end line") << image.chopped(5) << false;
+    QTest::newRow("last of two is cut off") << image + start << false;
+    QTest::newRow("first of two has no end line of its own") << start + image << true;
+    QTest::newRow("same name again, cut off")
+        << image + member("b.hex", "x\n") + image.chopped(9) << false;
+    QTest::newRow("same name again, closed") << image + image << true;
+    QTest::newRow("last of two leads outside") << image + member("../b.hex", "x\n") << false;
+    QTest::newRow("name longer than any line")
+        << image + member(QByteArray(100000, 'n') + ".hex", "x\n") << true;
+}
+
+void VelantorBundleTest::firmwareIsWhole()
+{
+    QFETCH(QByteArray, members);
+    QFETCH(bool, whole);
+    write(tables + members);
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(fresh.isFirmwareWhole(), whole);
+    // What the first run has written is left alone by the second, and as good.
+    QVERIFY(fresh.parseBundle());
+    QCOMPARE(fresh.isFirmwareWhole(), whole);
+}
+
+void VelantorBundleTest::firmwareIsNotWholeBeforeItIsRead()
+{
+    write(tables + member("a.hex", "1\n"));
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(!fresh.isFirmwareWhole());
+    QVERIFY(fresh.parseBundle());
+    QVERIFY(fresh.isFirmwareWhole());
+    QVERIFY(QFile::remove("b.velantor"_s));
+    QVERIFY(!fresh.parseBundle());
+    QVERIFY(!fresh.isFirmwareWhole());
+}
+
+void VelantorBundleTest::firmwareThatCannotBeWrittenIsNotWhole()
+{
+    folder->write("a.hex"_s, "of an earlier bundle\n");
+    QVERIFY(QFile::setPermissions("a.hex"_s, QFile::ReadOwner));
+    write(tables + member("a.hex", "new\n"));
+    QCOMPARE(inChild([] {
+                 if (!becomeOrdinaryUser())
+                     return 2;
+                 VelantorBundle fresh("b.velantor"_s);
+                 fresh.parseBundle();
+                 return fresh.isFirmwareWhole() ? 1 : 0;
+             }),
+             0);
+    QCOMPARE(folder->read("a.hex"_s), QByteArray("of an earlier bundle\n"));
+}
+
+void VelantorBundleTest::firmwareOnAFullDiskIsNotWhole()
+{
+    write(tables + member("a.hex", QByteArray(9999, 'x') + '\n'));
+    for (const rlim_t space : {0, 1, 4096, 9999, 10000}) {
+        QFile::remove("a.hex"_s);
+        const int result = inChild([space] {
+            signal(SIGXFSZ, SIG_IGN);
+            const rlimit disk{space, space};
+            setrlimit(RLIMIT_FSIZE, &disk);
+            VelantorBundle fresh("b.velantor"_s);
+            fresh.parseBundle();
+            return fresh.isFirmwareWhole() ? 1 : 0;
+        });
+        QCOMPARE(result, space < 10000 ? 0 : 1);
+    }
+}
+
+void VelantorBundleTest::unpacksTheLargestBundle()
+{
+    const QByteArray rest = tables + member("v1.hex", ":00000001FF\n");
+    const QByteArray filler(int(VelantorBundle::longestBundle) - rest.size() - 1, 'x');
+    write(filler + '\n' + rest);
+    QCOMPARE(QFileInfo("b.velantor"_s).size(), qint64(16777216));
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(fresh.parseBundle());
+    QVERIFY(fresh.isFirmwareWhole());
+}
+
+void VelantorBundleTest::refusesLargerBundles_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::newRow("one byte too many") << qint64(16777217);
+    QTest::newRow("200 megabytes") << qint64(200000000);
+    QTest::newRow("2 gigabytes") << qint64(1) * 2147483648;
+    QTest::newRow("beyond 32 bits") << qint64(4294967296) + 100;
+}
+
+void VelantorBundleTest::refusesLargerBundles()
+{
+    QFETCH(qint64, size);
+    folder->write("device.txt"_s, "older\n");
+    write(header("VERSION = 7\n") + tables + member("v1.hex", ":00000001FF\n"));
+    QVERIFY(QFile::resize("b.velantor"_s, size)); // zeros that take no room on the disk
+    VelantorBundle fresh("b.velantor"_s);
+    QVERIFY(!VelantorBundle::canBeBundle("b.velantor"_s));
+    QVERIFY(!fresh.parseBundle());
+    QVERIFY(!fresh.isFirmwareWhole());
+    QCOMPARE(fresh.valueFromKey("VERSION"_s), QString());
+    QCOMPARE(filesHere(), QStringList("device.txt"_s));
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("older\n"));
+}
+
+void VelantorBundleTest::unpacksTheMostMembers()
+{
+    QByteArray members = tables;
+    for (int i = 2; i < 256; ++i)
+        members += member(QByteArray::number(i), "x\n");
+    write(members);
+    QVERIFY(VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(filesHere().size(), 257); // the device table in force beside them
+}
+
+void VelantorBundleTest::refusesMoreMembers()
+{
+    QByteArray members = tables;
+    for (int i = 2; i < 257; ++i)
+        members += member(QByteArray::number(i), "x\n");
+    write(members);
+    QVERIFY(!VelantorBundle("b.velantor"_s).parseBundle());
+    QCOMPARE(filesHere(), QStringList());
+}
+
+void VelantorBundleTest::refusesWhatIsNoFile_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("folder") << "folder"_s;
+    QTest::newRow("pipe") << "pipe"_s;
+    QTest::newRow("device") << "device"_s;
+    QTest::newRow("link to nothing") << "link"_s;
+}
+
+void VelantorBundleTest::refusesWhatIsNoFile()
+{
+    QFETCH(QString, kind);
+    const QString name = "v2.velantor"_s;
+    if (kind == "folder"_s)
+        QVERIFY(QDir().mkdir(name));
+    else if (kind == "pipe"_s)
+        QCOMPARE(mkfifo(name.toUtf8(), 0600), 0);
+    else
+        QVERIFY(QFile::link(kind == "device"_s ? "/dev/zero"_s : "missing"_s, name));
+    folder->write("device.txt"_s, "older\n");
+    VelantorBundle fresh(name);
+    QVERIFY(!VelantorBundle::canBeBundle(name));
+    QVERIFY(!fresh.parseBundle());
+    QCOMPARE(folder->read("device.txt"_s), QByteArray("older\n"));
+    QCOMPARE(VelantorBundle::getBundleVersion(name), "2"_s);
+}
+
+void VelantorBundleTest::refusesAFileWithoutPermission()
+{
+    write(header("VERSION = 7\n") + tables);
+    QVERIFY(QFile::setPermissions("b.velantor"_s, QFile::Permissions()));
+    QCOMPARE(inChild([] {
+                 if (!becomeOrdinaryUser())
+                     return 2;
+                 return VelantorBundle("b.velantor"_s).parseBundle() ? 1 : 0;
+             }),
+             0);
+    QCOMPARE(filesHere(), QStringList());
+}
+
+void VelantorBundleTest::hostileBundlesTakeLittleMemory_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QByteArray>("piece"); // again and again up to the size
+    const QByteArray memberStart = tables + "////// v1.hex //////\n";
+    QTest::newRow("keys") << QByteArray("...\n") << QByteArray("%1=1\n");
+    QTest::newRow("one key") << QByteArray("...\n") << QByteArray("k");
+    QTest::newRow("equals signs") << QByteArray("...\n") << QByteArray("=");
+    QTest::newRow("empty header lines") << QByteArray("...\n") << QByteArray("\n");
+    QTest::newRow("empty lines") << QByteArray() << QByteArray("\n");
+    QTest::newRow("carriage returns") << QByteArray() << QByteArray("\r");
+    QTest::newRow("slashes") << QByteArray() << QByteArray("/");
+    QTest::newRow("empty members") << QByteArray() << QByteArray("////////////\n" + ::endLine);
+    QTest::newRow("short lines in a member") << memberStart << QByteArray("\n");
+    QTest::newRow("long line in a member") << memberStart << QByteArray("x");
+    QTest::newRow("backslashes in a member") << memberStart << QByteArray("\\");
+    QTest::newRow("almost an end line") << memberStart + R"(\\\END FILE)" << QByteArray(" ");
+    QTest::newRow("many ends") << memberStart << QByteArray(R"(\\END FILE\\)");
+}
+
+void VelantorBundleTest::hostileBundlesTakeLittleMemory()
+{
+    QFETCH(QByteArray, start);
+    QFETCH(QByteArray, piece);
+    QByteArray content = start;
+    for (int i = 0; content.size() + 20 < VelantorBundle::longestBundle; ++i)
+        content +=
+            piece.contains("%1") ? QByteArray(piece).replace("%1", QByteArray::number(i)) : piece;
+    write(content);
+    content.clear();
+    content.squeeze();
+    QElapsedTimer timer;
+    timer.start();
+#ifdef __SANITIZE_ADDRESS__
+    constexpr long allowedMegabytes = 500; // what was given back is kept for a while
+#else
+    constexpr long allowedMegabytes = 100;
+#endif
+    const int grown = inChild([] {
+        const auto megabytes = [] {
+            rusage usage{};
+            getrusage(RUSAGE_SELF, &usage);
+            return usage.ru_maxrss / 1024;
+        };
+        const long before = megabytes();
+        VelantorBundle::getBundleVersion("b.velantor"_s);
+        VelantorBundle("b.velantor"_s).parseBundle();
+        return megabytes() - before < allowedMegabytes ? 0 : 1;
+    });
+    QCOMPARE(grown, 0);
+    QVERIFY2(timer.elapsed() < 20000, QByteArray::number(timer.elapsed()) + " ms");
 }
 
 void VelantorBundleTest::longLinesAreReadInReasonableTime()
 {
     const QByteArray blanks(2000000, ' ');
     const QByteArray backslashes(2000000, '\\');
-    write("...\n" + blanks + "=\n" + QByteArray(2000000, '=') + "\nVERSION = 1\n...\n" + tables +
-          member("x.txt", backslashes + " END FILE\n" + "\\\\\\" + blanks + "END FILE\n"));
+    write("...\n" + blanks.left(300000) + "=\n" + QByteArray(300000, '=') + "\nVERSION = 1\n...\n" +
+          tables + member("x.txt", backslashes + " END FILE\n" + "\\\\\\" + blanks + "END FILE\n"));
     QElapsedTimer timer;
     timer.start();
     VelantorBundle fresh("b.velantor"_s);
