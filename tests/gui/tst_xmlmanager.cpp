@@ -92,6 +92,7 @@ private slots:
     void garbageDoesNotReplace_data();
     void garbageDoesNotReplace();
     void emptyFileReplaces();
+    void settingsAloneReplace();
 
     void saveDialog();
     void cancelledSaveDialog();
@@ -102,6 +103,7 @@ private slots:
     void tellsOfAFailedExport_data();
     void tellsOfAFailedExport();
     void remembersTheFolder();
+    void remembersTheFolderOfAFailure();
 
     void manyRowsStandInTheirPlaces();
     void longWorkShowsItself();
@@ -498,6 +500,18 @@ void XMLManagerTest::emptyFileReplaces()
     QCOMPARE(user->titles(), QStringList("Add Profiles to List?"));
 }
 
+void XMLManagerTest::settingsAloneReplace()
+{
+    folder->write("a.xml", inFile(profile(0, "one")));
+    folder->write("b.xml", "<VelantorProfiles>" + settingsBlock + "<profile id=\"0\"><name>Li");
+    load("a.xml");
+    user->push("&Replace Profiles");
+    load("b.xml");
+    QCOMPARE(list->count(), 0);
+    QCOMPARE(unitSetting("brightness"), QString("9"));
+    QCOMPARE(user->titles(), QStringList("Add Profiles to List?"));
+}
+
 void XMLManagerTest::saveDialog()
 {
     FileDialogAnswer dialog(path("a.xml"));
@@ -617,6 +631,25 @@ void XMLManagerTest::remembersTheFolder()
     FileDialogAnswer last{QString()};
     manager->on_exportAsXMLButtonClicked(false);
     QCOMPARE(last.folder, folder->path());
+}
+
+void XMLManagerTest::remembersTheFolderOfAFailure()
+{
+    QVERIFY(QDir().mkdir("full") && QDir().mkdir("gone"));
+    QVERIFY(QFile::link("/dev/full", "full/device.xml"));
+    user->push(QMessageBox::Yes); // the dialog asks whether to replace it
+    save("full/device.xml");
+    QCOMPARE(user->titles().last(), QString("Export to XML Status"));
+    FileDialogAnswer afterSaving{QString()};
+    manager->on_exportAsXMLButtonClicked(false);
+    QCOMPARE(afterSaving.folder, path("full"));
+
+    QVERIFY(QFile::link("/dev/zero", "gone/link.xml"));
+    load("gone/link.xml");
+    QCOMPARE(user->titles().last(), QString("Import from XML status"));
+    FileDialogAnswer afterLoading{QString()};
+    manager->on_importFromXMLButtonClicked();
+    QCOMPARE(afterLoading.folder, path("gone"));
 }
 
 void XMLManagerTest::manyRowsStandInTheirPlaces()

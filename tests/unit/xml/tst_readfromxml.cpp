@@ -124,6 +124,9 @@ private slots:
     void missingAttributesAreEmpty();
     void keepsUnknownElements();
     void laterElementsReplaceEarlierOnes();
+    void valueIsWhatFollowsTheTag_data();
+    void valueIsWhatFollowsTheTag();
+    void strangeIDsAreZero();
     void anyElementIsAProfile();
     void unescapesText_data();
     void unescapesText();
@@ -133,6 +136,7 @@ private slots:
     void readsUnitSettings();
     void fewUnitSettingsCountAsNone_data();
     void fewUnitSettingsCountAsNone();
+    void stubLeavesEarlierSettings();
     void otherFilesHoldNothing_data();
     void otherFilesHoldNothing();
     void everyPrefixGivesTheProfilesInIt();
@@ -272,6 +276,35 @@ void ReadFromXMLTest::laterElementsReplaceEarlierOnes()
     QCOMPARE(reader.value(0, "title"), QStringLiteral("two"));
 }
 
+void ReadFromXMLTest::valueIsWhatFollowsTheTag_data()
+{
+    QTest::addColumn<QByteArray>("inside");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("text") << QByteArray("A") << "A";
+    QTest::newRow("text before an element") << QByteArray("A<b>1</b>") << "A";
+    QTest::newRow("an element") << QByteArray("<b>1</b>A") << "";
+    QTest::newRow("an element behind white space") << QByteArray("\n<b>1</b>") << "\n";
+    QTest::newRow("a comment") << QByteArray("<!-- x -->A") << " x ";
+    QTest::newRow("text before a comment") << QByteArray("A<!-- x -->B") << "A";
+}
+
+void ReadFromXMLTest::valueIsWhatFollowsTheTag()
+{
+    QFETCH(QByteArray, inside);
+    const Read reader(inFile(profile(0, inside)));
+    QCOMPARE(reader.getProfiles().size(), 1);
+    QTEST(reader.value(0, "title"), "value");
+}
+
+void ReadFromXMLTest::strangeIDsAreZero()
+{
+    for (const char *id : {"", "one", "0x1", "1.0", "99999999999"}) {
+        const Read reader(inFile("<profile id=\"" + QByteArray(id) +
+                                 "\"><title>one</title></profile>" + profile(1, "two")));
+        QCOMPARE(reader.titles(), QStringList({"one", "two"}));
+    }
+}
+
 void ReadFromXMLTest::anyElementIsAProfile()
 {
     // Whatever it is called, it goes on to the end tag of a profile.
@@ -390,6 +423,21 @@ void ReadFromXMLTest::fewUnitSettingsCountAsNone()
     const Read reader(inFile(block + profile(0, "one")));
     QVERIFY(!reader.getUnitSettings());
     QCOMPARE(reader.titles(), QStringList("one"));
+}
+
+void ReadFromXMLTest::stubLeavesEarlierSettings()
+{
+    const QByteArray whole = "<GlobalSettings><a>1</a><b>2</b><c>3</c><d>4</d><e>5</e>"
+                             "</GlobalSettings>";
+    const QByteArray stub = "<GlobalSettings><a>9</a></GlobalSettings>";
+    for (const QByteArray &blocks : {whole + stub, stub + whole}) {
+        const Read reader(inFile(blocks));
+        QVERIFY(reader.getUnitSettings());
+        QCOMPARE(reader.getUnitSettings()->getProperties().value("a"), QStringLiteral("1"));
+    }
+    // A whole one takes the place of the one before it.
+    const Read reader(inFile(whole + QByteArray(whole).replace("<a>1<", "<a>9<")));
+    QCOMPARE(reader.getUnitSettings()->getProperties().value("a"), QStringLiteral("9"));
 }
 
 void ReadFromXMLTest::otherFilesHoldNothing_data()
