@@ -113,6 +113,9 @@ void HardwareDropdownTest::startsWithTheSchemasOwnLimits()
     const HardwareDropdown other(generator.get(), nullptr);
     QCOMPARE(other.currentText(), QStringLiteral("48V"));
     QCOMPARE(limits(), UNTOUCHED);
+    // Also the first of all, which nobody has changed yet, writes its own when it is unlocked.
+    dropdown->enable();
+    QCOMPARE(limits(), LIMITS_48);
 }
 
 void HardwareDropdownTest::writesTheLimitsOfTheModel_data()
