@@ -189,6 +189,8 @@ void NewProfileWizardTest::isAsLargeAsItsFormAndTheScreen()
     const QSize room = wizard->screen()->availableSize();
     QVERIFY(wizard->width() <= room.width());
     QVERIFY(wizard->height() < room.height());
+    constexpr int titleBar = 40;
+    QCOMPARE(wizard->size(), QSize(474, 616).boundedTo(room - QSize(0, titleBar)));
 
     choose("Nickel");
     wizard->setFixedSize(474, 616); // the form's

@@ -166,6 +166,8 @@ void SettingsGridsTest::basicTakesTheBasicSettings()
         auto *name = at<QLabel>(grid, row, 4);
         QVERIFY(name);
         QCOMPARE(name->text(), settingOf(grid->getFields().at(row))->descriptiveName);
+        QVERIFY(spacerAt(grid, row, 0));
+        QCOMPARE(spacerAt(grid, row, 3)->sizeHint().width(), 20);
     }
 }
 

@@ -86,11 +86,13 @@ private slots:
     void previewsBrightness();
     void previewFollowsTheSpinBox();
     void wheelScrollsPast();
+    void wheelTurnsTheFieldInUse();
     void paintsTicks();
     void tellsItsName();
 
 private:
     void show(const QStringList &memberLines, const QString &tooltip = QString());
+    static void turnWheel(QWidget *control);
     void type(const QString &text);
     QLabel *label(int row, int column) const
     {
@@ -758,18 +760,38 @@ void SettingSliderTest::previewFollowsTheSpinBox()
     QVERIFY(label(0, 0)->styleSheet().contains("240, 0, 247)"));
 }
 
+void SettingSliderTest::turnWheel(QWidget *control)
+{
+    const QPoint centre = control->rect().center();
+    QWheelEvent turn(centre, control->mapToGlobal(centre), QPoint(), QPoint(0, 120), Qt::NoButton,
+                     Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(control, &turn);
+}
+
 void SettingSliderTest::wheelScrollsPast()
 {
     show({lineNamed("x", "0", "9", "0", "5")});
     widget->show();
     for (QWidget *control : {static_cast<QWidget *>(spinBox), static_cast<QWidget *>(slider)}) {
         control->clearFocus();
-        const QPoint centre = control->rect().center();
-        QWheelEvent turn(centre, control->mapToGlobal(centre), QPoint(), QPoint(0, 120),
-                         Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(control, &turn);
+        turnWheel(control);
         QCOMPARE(setting->getNumber(), 5.0);
         QVERIFY(!(control->focusPolicy() & Qt::WheelFocus & ~Qt::StrongFocus));
+    }
+}
+
+void SettingSliderTest::wheelTurnsTheFieldInUse()
+{
+    show({lineNamed("x", "0", "90", "0", "5")});
+    widget->show();
+    widget->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(widget.get()));
+    double before = setting->getNumber();
+    for (QWidget *control : {static_cast<QWidget *>(spinBox), static_cast<QWidget *>(slider)}) {
+        control->setFocus();
+        turnWheel(control);
+        QVERIFY(setting->getNumber() > before);
+        before = setting->getNumber();
     }
 }
 

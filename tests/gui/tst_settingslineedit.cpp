@@ -43,12 +43,14 @@ private slots:
     void shortFieldShowsNoOtherNumber();
     void shortFieldStaysNearTheNumber();
     void followsTheSetting();
+    void enablesWithTheSetting_data();
     void enablesWithTheSetting();
     void closedSettingKeepsItsDefault();
     void textHasTheLengthOfItsArray();
     void textIsStoredAndShown();
     void viewOfATextIsLeftAlone();
     void listTakesAnyLength();
+    void listHasTheLengthOfItsArray();
     void ignoresOtherKinds_data();
     void ignoresOtherKinds();
     void bindsAnew();
@@ -414,9 +416,18 @@ void SettingsLineEditTest::followsTheSetting()
     QCOMPARE(edit->text(), QString("6.0"));
 }
 
+void SettingsLineEditTest::enablesWithTheSetting_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("number")
+        << "char x; // num, auto, 0, 8, *1, 1, \"X\", \"\", \"x\", 4, 0, advanced";
+    QTest::newRow("text") << "char x[9]; // string, auto, \"X\", \"x\", \"Shed\", 0, advanced";
+}
+
 void SettingsLineEditTest::enablesWithTheSetting()
 {
-    bind("char x; // num, auto, 0, 8, *1, 1, \"X\", \"\", \"x\", 4, 0, advanced");
+    QFETCH(QString, line);
+    bind(line);
     setting->enableAdvancedMode(false);
     QVERIFY(!edit->isEnabled());
     setting->enableAdvancedMode(true);
@@ -472,6 +483,14 @@ void SettingsLineEditTest::listTakesAnyLength()
     type("a rather long item");
     QCOMPARE(setting->getValue(), QString("a rather long item"));
     QCOMPARE(edit->text(), QString("a rather long item"));
+}
+
+void SettingsLineEditTest::listHasTheLengthOfItsArray()
+{
+    bind("char x[6]; // list, auto, \"Mode\", \"mode\", \"one\", 0, \"one\", \"two\", basic");
+    QCOMPARE(edit->maxLength(), 5);
+    type("a rather long item");
+    QCOMPARE(setting->getValue(), QString("a rat"));
 }
 
 void SettingsLineEditTest::ignoresOtherKinds_data()

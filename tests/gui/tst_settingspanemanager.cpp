@@ -182,6 +182,7 @@ private slots:
     void slotsForTheTwoStates();
 
     void editButtonGoesDown();
+    void backupIsTakenBeforeAnyoneMayEdit();
     void editButtonComesUp();
     void savesOnlyWhatDiffers();
     void nameLeftByTabIsStored();
@@ -344,6 +345,20 @@ void SettingsPaneManagerTest::editButtonGoesDown()
     QCOMPARE(editing.count(), 1);
     QCOMPARE(editing.first().first().toBool(), true);
     QCOMPARE(desk->inView(), profileView);
+}
+
+void SettingsPaneManagerTest::backupIsTakenBeforeAnyoneMayEdit()
+{
+    ProfileSettings *profile = desk->import("Commuter");
+    desk->select(0);
+    connect(desk->pane, &SettingsPaneManager::editing, this, [profile](bool on) {
+        if (on)
+            member(profile, "bulk_I")->setValue(1.0);
+    });
+    desk->press(desk->ui.editProfileButton);
+    QCOMPARE(member(profile, "bulk_I")->getValue(), QStringLiteral("1"));
+    desk->press(desk->ui.cancelChangesButton);
+    QCOMPARE(member(profile, "bulk_I")->getValue(), QStringLiteral("4"));
 }
 
 void SettingsPaneManagerTest::editButtonComesUp()
@@ -663,6 +678,15 @@ void SettingsPaneManagerTest::typedTextStaysWithItsProfile()
     QCOMPARE(member(first, "title")->getValue(), QStringLiteral("Again"));
     QCOMPARE(member(second, "title")->getValue(), QStringLiteral("Second"));
     QCOMPARE(desk->row(1)->getTitle(), QStringLiteral("Second"));
+
+    desk->pane->updateSettingsPane(desk->row(0));
+    QLineEdit *description = desk->ui.profileSettingsDescription;
+    description->setFocus();
+    description->selectAll();
+    QTest::keyClicks(description, QStringLiteral("Slow"));
+    desk->pane->updateSettingsPane(desk->row(1));
+    QCOMPARE(member(first, "description")->getValue(), QStringLiteral("Slow"));
+    QCOMPARE(member(second, "description")->getValue(), QStringLiteral("Custom"));
 }
 
 void SettingsPaneManagerTest::typedTextGoesBackThroughTheFirstProfilesBackup()

@@ -43,6 +43,7 @@ private slots:
     void rowsMoveTogetherInALowPlace();
     void lateTotalHasItsLabel();
     void moreDecimalsThanTheFieldHolds();
+    void negativeHoursFitAsWell();
     void moreAveragesThanTotals();
     void otherKinds();
     void unitIsNoMarkup();
@@ -365,6 +366,14 @@ void StatsSettingsGridTest::moreDecimalsThanTheFieldHolds()
     QCOMPARE(record->getStructSettingByName("a")->decimals->toString(), "2");
     QCOMPARE(record->getStructSettingByName("b")->decimals->toString(), "4");
     QCOMPARE(record->getStructSettingByName("a")->getNumber(), 123.4567);
+}
+
+void StatsSettingsGridTest::negativeHoursFitAsWell()
+{
+    const auto record = schemaRecord({"long a; // num, auto, -999999, 999999, *1, 3, \"A\", \"h\", "
+                                      "\"a\", -123.456, 0, basic"});
+    grid = new StatsSettingsGrid(record->getStructSettings(), &generator, form.get());
+    QCOMPARE(record->getStructSettingByName("a")->decimals->toString(), "2");
 }
 
 void StatsSettingsGridTest::moreAveragesThanTotals()

@@ -36,11 +36,13 @@ private slots:
     void picturesTheDisplayAlone();
     void tooltips_data();
     void tooltips();
+    void tooltipsWhateverTheTypeOfTheRecord();
     void noTooltipWithoutAText();
     void isEditableBeforeAnyCharger();
     void opensSilently();
     void tellsEveryChange();
     void tellsBeforeItShows();
+    void defaultsAreThoseOfTheSchema();
     void defaultsAtDefaultsChangeNothing();
     void loadsDefaults();
     void hiddenMembersKeepTheirValues();
@@ -180,6 +182,19 @@ void UnitSettingsDisplayTest::tooltips()
     QVERIFY(text.isEmpty() || text.endsWith("</FONT>"));
 }
 
+void UnitSettingsDisplayTest::tooltipsWhateverTheTypeOfTheRecord()
+{
+    const auto record = schemaRecord(
+        {"unsigned char type; // num, auto, 8, 8, *1, 0, \"type\", \"\", \"type\", 8, -1, advanced",
+         "char brightness; // num, auto, 0, 9, *1, 0, \"A\", \"\", \"a\", 5, 0, advanced",
+         "char start_I; // num, auto, 0, 9, *1, 0, \"B\", \"\", \"b\", 5, 1, advanced"});
+    const UnitSettingsDisplay other(record.get(), generator.get());
+    const QList<QWidget *> rows = {other.findChildren<SettingSlider *>().at(0),
+                                   other.findChildren<SettingSlider *>().at(1)};
+    QVERIFY(title(rows.at(0))->toolTip().startsWith("<FONT>Velantor screen brightness."));
+    QCOMPARE(title(rows.at(1))->toolTip(), QString()); // a lithium profile would have one
+}
+
 void UnitSettingsDisplayTest::noTooltipWithoutAText()
 {
     const auto record =
@@ -243,6 +258,18 @@ void UnitSettingsDisplayTest::tellsBeforeItShows()
     member("brightness")->setValue(7.0);
     QCOMPARE(shown, 5.0);
     QCOMPARE(spinBox->value(), 7.0);
+}
+
+void UnitSettingsDisplayTest::defaultsAreThoseOfTheSchema()
+{
+    const auto record = schemaRecord(
+        {"char brightness; // num, auto, 0, 9, *1, 0, \"A\", \"\", \"a\", 5, 0, advanced"});
+    UnitSettingsDisplay other(record.get(), generator.get());
+    record->getStructSettingByName("brightness")->setValue(9.0);
+    member("brightness")->setValue(9.0);
+    other.on_resetDefaultsClicked();
+    QCOMPARE(member("brightness")->getNumber(), 5.0);
+    QCOMPARE(record->getStructSettingByName("brightness")->getNumber(), 9.0);
 }
 
 void UnitSettingsDisplayTest::defaultsAtDefaultsChangeNothing()
