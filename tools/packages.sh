@@ -32,5 +32,5 @@ window_packages=(fonts-liberation)
 display_packages=("${window_packages[@]}" xvfb xdotool imagemagick)
 # What the pictures of the guide need beside it: a window manager gives the windows frames.
 picture_packages=(openbox)
-# What the tests hold the written files against.
-test_packages=(libxml2-utils)
+# What judges the suite's files in the tests: those that it writes and those that it installs.
+test_packages=(libxml2-utils desktop-file-utils appstream man-db mandoc)

@@ -27,3 +27,9 @@ for size in 32 48; do
     rsvg-convert --width $size --height $size src/new_file.svg -o "$sizes/$size.png"
 done
 icotool --create --output new_file.ico "$sizes/16.png" "$sizes/32.png" "$sizes/48.png"
+
+# A desktop shows the program's icon smaller than it is drawn, where a sharp picture counts.
+for size in 16 24 32 48 64; do
+    rsvg-convert --width $size --height $size src/icon_linux.svg \
+        -o "../../packaging/icons/$size.png"
+done
