@@ -485,6 +485,8 @@ void ImportProfilesMainTest::emptyValuesKeepDefaults()
     QCOMPARE(valueOf(profiles.first(), "full_V"), q("43.2"));
     QCOMPARE(valueOf(profiles.first(), "float_V"), q("40.6"));
     QCOMPARE(valueOf(profiles.first(), "active"), q("true"));
+    QVERIFY(
+        profiles.first()->structSettings->getStructSettingByName(q("float_V"))->advancedEnabled);
     // Neither the record's own status nor a property says that it may be changed.
     QVERIFY(!profiles.first()->getModifiable());
 }

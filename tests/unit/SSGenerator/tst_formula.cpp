@@ -205,6 +205,12 @@ void TestFormula::shapesTheTree()
     QCOMPARE(int(product->getOpType()), 2);
     QCOMPARE(product->getLeftChild()->getFormulaNodeType(), QStringLiteral("Num"));
     QCOMPARE(product->getLeftChild()->evaluate(), 2.0);
+
+    for (const char *text : {"-1000", "+5", "18446744073709551615"}) {
+        Formula one(QString::fromLatin1(text));
+        one.buildFormulaTree(settings);
+        QCOMPARE(one.getRootTree()->getFormulaNodeType(), QStringLiteral("Num"));
+    }
 }
 
 void TestFormula::numbersOfTheTree_data()
@@ -262,6 +268,8 @@ void TestFormula::cannotReadSomeTexts_data()
     row("two operators", "a*/b");
     row("unknown character as second operand", "a+$");
     row("name with a leading underscore", "_a");
+    row("name with a first letter beyond ASCII", "\xE4"
+                                                 "b");
     row("empty parentheses", "()");
     row("lone opening parenthesis", "(");
     row("unclosed single letter", "(a");
@@ -326,6 +334,8 @@ void TestFormula::diesOfSomeTexts_data()
     row("operator at the end of a sum", "a+b*", range);
     row("unknown operator", "a%b", range);
     row("unknown operator in a sum", "1+a%b", range);
+    row("unknown operator between numbers", "5%3", range);
+    row("number before parentheses", "2(3)", range);
     row("exponent", "1.5e3", range);
     row("point without digits", "5.", range);
     row("point before an operator", "5.+1", range);

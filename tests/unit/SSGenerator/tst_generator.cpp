@@ -463,6 +463,12 @@ void TestGenerator::diesOfBadSchemas_data()
         "chemistrySettings.size() == parseNumProfiles(fileContentsList)", 165);
     row("nothing but the address, master", address + masterMark, "hardwareVersion != NULL", 156);
     row("nothing but the address", address, "versionInfo != NULL", 160);
+    // A struct behind a head that is none is skipped, whatever it holds.
+    const QByteArray others = unitSettings + unitStats + profileStats + pageCounter + chemistries;
+    row("version in a hyphened name", address + others + element("Ver-sion", "version"),
+        "versionInfo != NULL", 160);
+    row("version with a comment at its head",
+        address + others + element("Version", "version // strict"), "versionInfo != NULL", 160);
     row("profile types are counted last", address + "#define NUMPROFILETYPES x\n" + unitSettings,
         "versionInfo != NULL", 160);
 }

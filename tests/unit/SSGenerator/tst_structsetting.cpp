@@ -442,6 +442,10 @@ void TestStructSetting::rounds()
     QFETCH(double, value);
     const Setting setting = numberWith("0", "1", qPrintable(decimals), "0");
     QTEST(setting->getRoundedValue(value), "expected");
+
+    const Setting wide = numberWith("-10000000000000", "10000000000000", qPrintable(decimals), "0");
+    QVERIFY(wide->setValue(value));
+    QTEST(wide->getNumber(), "expected");
 }
 
 void TestStructSetting::clampsIntoBounds_data()
@@ -643,6 +647,11 @@ void TestStructSetting::roundsAndClampsTheDefault()
     const Setting clamped = numberWith("1", "8", "1", "43.2");
     clamped->setDefault();
     QCOMPARE(clamped->getNumber(), 8.0);
+
+    // A value that is the default already is not looked at again.
+    rounded->setUpperBound(QStringLiteral("3"));
+    rounded->setDefault();
+    QCOMPARE(rounded->getNumber(), 4.2);
 
     // Rounded before it is clamped: infinity has become a negative number by then.
     const Setting infinite = numberWith("1", "8", "1", "1/0");
