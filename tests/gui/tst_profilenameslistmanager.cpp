@@ -276,12 +276,12 @@ void ProfileNamesListManagerTest::addsNewProfiles()
     QVERIFY(window->up().isEnabled());
     QVERIFY(window->down().isEnabled());
 
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i < 30; ++i)
         window->addNew(window->profile("More"));
-    QVERIFY(window->highlighted(11));
+    QVERIFY(window->highlighted(31));
     QVERIFY(!window->highlighted(1));
     QVERIFY(window->list().viewport()->rect().contains(
-        window->list().visualItemRect(window->item(11)).center()));
+        window->list().visualItemRect(window->item(31)).center()));
 }
 
 void ProfileNamesListManagerTest::addButtonOpensTheWizard()
@@ -439,6 +439,14 @@ void ProfileNamesListManagerTest::selectsByKey()
     window->ui.unitSettingsDisplay->show();
     QCOMPARE(press(Qt::Key_Space), QStringLiteral("A"));
     QCOMPARE(shown.count(), 6);
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) {
+        window->ui.unitSettingsDisplay->hide();
+        QCOMPARE(press(Qt::Key_End), QStringLiteral("M"));
+        window->ui.unitSettingsDisplay->show();
+        const int before = shown.count();
+        QCOMPARE(press(key), QStringLiteral("M"));
+        QCOMPARE(shown.count(), before + 1);
+    }
 }
 
 void ProfileNamesListManagerTest::lampAsks()
