@@ -34,3 +34,5 @@ display_packages=("${window_packages[@]}" xvfb xdotool imagemagick)
 picture_packages=(openbox)
 # What judges the suite's files in the tests: those that it writes and those that it installs.
 test_packages=(libxml2-utils desktop-file-utils appstream man-db mandoc)
+# What finds out which libraries a package needs.
+packaging_packages=(dpkg-dev file)
