@@ -151,6 +151,8 @@ private slots:
     void nullElement();
     void freshStructGetsItsDefaults();
     void valuesOutOfBoundsAreClamped();
+    void textsThatAreNoNumbers_data();
+    void textsThatAreNoNumbers();
 
     // Building
     void buildsAProfile();
@@ -432,6 +434,36 @@ void ImportProfilesMainTest::valuesOutOfBoundsAreClamped()
              0);
     QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "brightness"), q("9"));
     QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "flip_display"), q("false"));
+}
+
+void ImportProfilesMainTest::textsThatAreNoNumbers_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("brightness"); // 7 before, 5 by default, 0 to 9
+    QTest::addColumn<bool>("fits");          // as top-up time, 0 to 9.9 hours
+    QTest::newRow("word") << q("bright") << q("0") << true;
+    QTest::newRow("infinity") << q("inf") << q("0") << false;
+    QTest::newRow("negative infinity") << q("-inf") << q("0") << false;
+    QTest::newRow("beyond all numbers") << q("1e999") << q("0") << false;
+    QTest::newRow("not a number") << q("nan") << q("5") << false;
+}
+
+void ImportProfilesMainTest::textsThatAreNoNumbers()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, fits);
+    StructSettings *settings = generator->getUnitSettingsStruct();
+    importer->importSSFileStruct(element(of("Global settings", {{"brightness", "7"}})), settings);
+    Properties strange = of("Global settings", {});
+    strange.insert(q("brightness"), text);
+    importer->importSSFileStruct(element(strange), settings);
+    QTEST(valueOf(settings, "brightness"), "brightness");
+
+    MessageBoxAnswers boxes;
+    Properties nickel = of("Nickel", {{"title", "n"}});
+    nickel.insert(q("top-up_time"), text);
+    QCOMPARE(build(elements({nickel})).size(), fits ? 1 : 0);
+    QCOMPARE(boxes.seen().size(), fits ? 0 : 1);
 }
 
 void ImportProfilesMainTest::buildsAProfile()
