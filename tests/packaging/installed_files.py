@@ -15,6 +15,7 @@ import sys
 import tempfile
 import time
 import unittest
+import xml.etree.ElementTree
 
 CMAKE = sys.argv[1]
 SOURCE, BUILD = map(pathlib.Path, sys.argv[2:4])
@@ -93,11 +94,17 @@ class Installed(unittest.TestCase):
         self.assertEqual(entry["Desktop Entry"]["TryExec"], "velantor-suite")
         self.assertEqual(entry["Desktop Entry"]["Icon"], "velantor-suite")
 
-    def test_manual_pages_are_of_this_version(self):
+    def test_version_is_that_of_the_program(self):
+        told = re.search(r'SOFTWARE_VERSION = QStringLiteral\("v([0-9.]+)"\)',
+                         (SOURCE / "app/buildinfo.h").read_text()).group(1)
+        metainfo = self.root / "share/metainfo/example.velantor.suite.metainfo.xml"
+        releases = xml.etree.ElementTree.parse(metainfo).findall("releases/release")
+        self.assertEqual(releases[0].get("version"), told)
         for name in ("velantor-sim", "velantor-suite", "vexa"):
             with self.subTest(name):
                 page = gzip.decompress((self.root / ("share/man/man1/%s.1.gz" % name)).read_bytes())
-                self.assertRegex(page.decode(), r'^\.TH .* "Velantor Software Suite 1\.105" ')
+                title = page.decode().splitlines()[0]
+                self.assertIn('"Velantor Software Suite %s"' % told, title)
                 self.assertNotRegex(page.decode(), "@[A-Z_]+@")
 
     def test_copyright_holds_the_whole_licence(self):
