@@ -26,13 +26,15 @@ need_packages() {
 
 # What every build needs; configuring the tests asks for Python.
 build_packages=(g++ cmake ninja-build qtbase5-dev qtbase5-dev-tools libqt5serialport5-dev python3)
-# What a window needs that no desktop is sure to bring along: the suite asks for Arial, this is it.
-window_packages=(fonts-liberation)
+# What the suite needs that no desktop is sure to bring along: it asks for Arial, which is the fonts,
+# and trusts the web site by its certificate.
+window_packages=(fonts-liberation ca-certificates)
 # What plays and photographs the suite where nobody looks on.
 display_packages=("${window_packages[@]}" xvfb xdotool imagemagick)
 # What the pictures of the guide need beside it: a window manager gives the windows frames.
 picture_packages=(openbox)
-# What judges the suite's files in the tests: those that it writes and those that it installs.
-test_packages=(libxml2-utils desktop-file-utils appstream man-db mandoc)
+# What judges the suite's files in the tests, those that it writes and those that it installs, and
+# what certifies a web server for it.
+test_packages=(libxml2-utils desktop-file-utils appstream man-db mandoc openssl)
 # What finds out which libraries a package needs.
 packaging_packages=(dpkg-dev file)
