@@ -66,6 +66,8 @@ private slots:
     void typingWaitsForItsEnd();
     void textsFitTheSpinBox_data();
     void textsFitTheSpinBox();
+    void largeFontCutsNoNumber_data();
+    void largeFontCutsNoNumber();
     void showsNoGroupsOfDigits();
     void sliderStores();
     void keyboardReachesBoth();
@@ -520,6 +522,55 @@ void SettingSliderTest::textsFitTheSpinBox()
     QTEST(spinBox->text(), "text");
     const int room = spinBox->findChild<QLineEdit *>()->contentsRect().width();
     QVERIFY(spinBox->fontMetrics().horizontalAdvance(spinBox->text()) <= room);
+    QCOMPARE(spinBox->findChild<QLineEdit *>()->font(), spinBox->font());
+    QApplication::setFont(before);
+}
+
+void SettingSliderTest::largeFontCutsNoNumber_data()
+{
+    QTest::addColumn<int>("points");
+    QTest::newRow("a little larger") << 10;
+    QTest::newRow("a quarter larger") << 12;
+    QTest::newRow("half as large again") << 14;
+    QTest::newRow("twice as large") << 18;
+}
+
+void SettingSliderTest::largeFontCutsNoNumber()
+{
+    QFETCH(int, points);
+    const QFont before = QApplication::font();
+    QApplication::setFont(QFont("Arial", points));
+    show({lineNamed("x", "0", "0.999", "3", "0.087")});
+    widget->show();
+    const auto *edit = spinBox->findChild<QLineEdit *>();
+    const auto isWhole = [&] {
+        const QFontMetrics metrics(edit->font(), edit);
+        return metrics.horizontalAdvance(edit->text()) <= edit->contentsRect().width();
+    };
+    QVERIFY(isWhole());
+    QCOMPARE(spinBox->font(), label(0, 0)->font());
+    QCOMPARE(spinBox->width(), 60);
+
+    // Also of a font that comes later, and of a longer number.
+    QApplication::setFont(QFont("Arial", 9));
+    spinBox->setFont(QFont("Arial", 11));
+    QCOMPARE(edit->font().pointSizeF(), 11.0);
+    spinBox->setFont(QFont("Arial", points));
+    QVERIFY(isWhole());
+    show({lineNamed("x", "0", "99999", "1", "7")});
+    widget->show();
+    edit = spinBox->findChild<QLineEdit *>();
+    QCOMPARE(edit->font(), spinBox->font());
+    setting->setValue(12345.6);
+    QVERIFY(isWhole());
+    spinBox->setFixedWidth(300);
+    spinBox->resize(300, spinBox->height());
+    QCOMPARE(edit->font(), spinBox->font());
+    spinBox->setFixedWidth(60);
+    spinBox->resize(60, spinBox->height());
+    QVERIFY(isWhole());
+    setting->setValue(7.0);
+    QCOMPARE(edit->font(), spinBox->font());
     QApplication::setFont(before);
 }
 
