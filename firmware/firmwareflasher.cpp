@@ -26,7 +26,6 @@ namespace
 {
 
 const QString noPath = QStringLiteral("NOPATH");
-const QString logDirectory = QStringLiteral("logs");
 constexpr auto watchdogInterval = 5000ms;
 /// Silence of the uploader from which on it counts as hung.
 constexpr auto longestSilence = 4000ms;
@@ -109,8 +108,23 @@ void FirmwareFlasher::extractRequiredFiles()
         bundle->allowOverwriteProfiles(overwriteProfiles);
 }
 
+bool FirmwareFlasher::isDeviceTableAsChosen() const
+{
+    QFile table(FILE_FOR_VEXA_NAME);
+    if (!table.exists())
+        return true; // the uploader says so and erases nothing
+    QFile chosen(overwriteProfiles ? FILE_FOR_VEXA_OVERWRITE_PROFILES
+                                   : FILE_FOR_VEXA_KEEP_PROFILES);
+    return table.open(QIODevice::ReadOnly) && chosen.open(QIODevice::ReadOnly) &&
+           table.readAll() == chosen.readAll();
+}
+
 QString FirmwareFlasher::firmwareFile() const
 {
+    // Without a name the uploader does nothing at all, and the watchdog reports it. Otherwise it
+    // would erase the charger and then find half an image, or erase profiles that are to stay.
+    if (!bundle->isFirmwareWhole() || !isDeviceTableAsChosen())
+        return QString();
     return bundle->getHexFileName();
 }
 
@@ -118,9 +132,9 @@ void FirmwareFlasher::initializeVexaLogFile()
 {
     // The log is reached from the current directory, which stays what it is: all files of the suite
     // are opened relative to it.
-    QDir().mkpath(logDirectory);
+    QDir().mkpath(LOG_DIRECTORY);
     const QString name = logFileName(QDateTime::currentDateTime());
-    log = std::make_unique<QFile>(logDirectory + QLatin1Char('/') + name);
+    log = std::make_unique<QFile>(LOG_DIRECTORY + QLatin1Char('/') + name);
     if (!log->open(QIODevice::WriteOnly)) {
         log.reset();
         std::puts("Could not open file!");
@@ -350,8 +364,12 @@ void FirmwareFlasher::endUploader()
     if (process->state() == QProcess::NotRunning) {
         process->deleteLater();
     } else {
-        connect(process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), process,
-                &QObject::deleteLater);
+        // One that turns out not to have started does not finish.
+        connect(process, &QProcess::stateChanged, process,
+                [process = process.data()](QProcess::ProcessState state) {
+                    if (state == QProcess::NotRunning)
+                        process->deleteLater();
+                });
         process->kill();
     }
     process = nullptr;

@@ -89,6 +89,7 @@ private:
     using FormError = void (*)(Ui::VelantorFirmwareToolWindow *ui, QWidget *parent);
 
     void extractRequiredFiles();
+    bool isDeviceTableAsChosen() const;
     QString firmwareFile() const;
     void initializeVexaLogFile();
     void writeToLog(const QByteArray &bytes);

@@ -8,6 +8,9 @@ const QString FakeUploader::CRASH = QStringLiteral("kill -9 $$");
 const QString FakeUploader::WAIT =
     QStringLiteral("while [ -e plan ] && [ ! -e released ]; do sleep 0.01; done");
 const QString FakeUploader::WAIT_AND_FAIL = WAIT + QStringLiteral("; exit 1");
+const QString FakeUploader::SPEAK =
+    QStringLiteral("while [ -e plan ] && [ ! -e released ]; do "
+                   "if mv words spoken 2> /dev/null; then cat spoken; else sleep 0.01; fi; done");
 
 FakeUploader::FakeUploader()
 {
@@ -29,6 +32,13 @@ void FakeUploader::plan(const QStringList &runs)
 void FakeUploader::release()
 {
     folder.write(QStringLiteral("released"), {});
+}
+
+void FakeUploader::say(const QByteArray &text)
+{
+    folder.write(QStringLiteral("words being written"), text);
+    if (!QFile::rename(QStringLiteral("words being written"), QStringLiteral("words")))
+        qFatal("the words before are still unspoken");
 }
 
 void FakeUploader::remove()

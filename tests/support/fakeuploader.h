@@ -16,6 +16,8 @@ public:
     static const QString WAIT;
     /// Waits for release(), then fails.
     static const QString WAIT_AND_FAIL;
+    /// Prints what say() gives it until release(), or the end of the test's folder.
+    static const QString SPEAK;
 
     FakeUploader();
 
@@ -23,6 +25,8 @@ public:
     void plan(const QStringList &runs);
     /// Lets the runs go on that wait or will wait.
     void release();
+    /// Gives the run that speaks something to print, at once and whole.
+    void say(const QByteArray &text);
     /// Takes the program away, so that no run can start.
     void remove();
     /// The arguments of each run so far, parted by blanks.
