@@ -8,6 +8,7 @@
 #include "app/look.h"
 #include "app/mainwindow.h"
 #include "device/uploaddownloadmanager.h"
+#include "firmware/velantorfirmwaretoolwindow.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
@@ -38,6 +39,8 @@
 
 #include <functional>
 #include <memory>
+
+using FirmwareTool::VelantorFirmwareToolWindow;
 
 namespace
 {
@@ -112,6 +115,10 @@ private slots:
     void reloadedBundleBringsTheMasterBack();
     void unpackedFilesStandInTheWorkingDirectory();
     void degreeSignsSurviveTheBundle();
+    void theMenuOpensTheFirmwareTool();
+    void flashedFirmwareReloadsTheBundle();
+    void afterAFlashTheChargerIsResetThenTold();
+    void theFirmwareToolMayAskForAConnect();
     void whatIsNotThereYetIsOutOfReach();
     void thePaneIsEmptyAtFirst();
     void theDeviceButtonShowsAndHidesThePage();
@@ -160,6 +167,10 @@ private:
     double lithiumLimit(const char *name) const
     {
         return member("Lithium", name)->upperBound->toDouble();
+    }
+    VelantorFirmwareToolWindow *firmwareTool() const
+    {
+        return window->findChild<VelantorFirmwareToolWindow *>();
     }
     UploadDownload::UploadDownloadManager *manager() const
     {
@@ -870,6 +881,61 @@ void MainWindowTest::degreeSignsSurviveTheBundle()
     QVERIFY(text.contains("\"\xC2\xB0"
                           "C\""));
     QCOMPARE(text, member.readAll());
+}
+
+void MainWindowTest::theMenuOpensTheFirmwareTool()
+{
+    QVERIFY(action("actionFlashFirmware")->isEnabled());
+    action("actionFlashFirmware")->trigger();
+    const QPointer<VelantorFirmwareToolWindow> tool = firmwareTool();
+    QVERIFY(tool);
+    QCOMPARE(tool->parentWidget(), window.get());
+    QVERIFY(tool->isVisible());
+    tool->close();
+    QTRY_VERIFY(!tool);
+    QVERIFY(window->isVisible());
+    window->on_flashFirmware();
+    QVERIFY(firmwareTool());
+}
+
+void MainWindowTest::flashedFirmwareReloadsTheBundle()
+{
+    generator()->parseSSFile(REV7_24V_SS_FILE_NAME);
+    QVERIFY(!generator()->isMaster());
+    QVERIFY(QFile::remove(REV7_72V_SS_FILE_NAME));
+    window->on_flashFirmware();
+    QVERIFY(!generator()->isMaster());
+    emit firmwareTool()->flashed();
+    QVERIFY(generator()->isMaster());
+    QVERIFY(QFile::exists(REV7_72V_SS_FILE_NAME));
+}
+
+void MainWindowTest::afterAFlashTheChargerIsResetThenTold()
+{
+    emit manager()->settingsRead(true);
+    QVERIFY(action("disconnectAction")->isEnabled());
+    QStringList order;
+    connect(window.get(), &MainWindow::resetVelantorWithPort, this,
+            [&](const QString &port) { order.append("reset " + port); });
+    connect(manager(), &UploadDownload::UploadDownloadManager::settingsRead, this,
+            [&](bool success) { order.append(success ? "read" : "not read"); });
+    connect(window.get(), &MainWindow::disconnectVelantor, this, [&] { order.append("tell"); });
+    window->on_flashFirmware();
+    MessageBoxAnswers answers;
+    emit firmwareTool()->resetVelantorSignalFT(QStringLiteral("/dev/none-there"));
+    // The port is gone, which ends the link; it is told at its fall and at the end. The reset's
+    // own receiver ran before this test's.
+    QCOMPARE(answers.titles(), QStringList("Failed Opening Serial Port"));
+    QCOMPARE(order, QStringList({"tell", "not read", "reset /dev/none-there", "tell"}));
+    QVERIFY(action("connectAction")->isEnabled());
+}
+
+void MainWindowTest::theFirmwareToolMayAskForAConnect()
+{
+    QSignalSpy asked(window.get(), &MainWindow::masterConnectVelantorSignal);
+    window->on_flashFirmware();
+    emit firmwareTool()->connectVelantorSignalFT();
+    QCOMPARE(asked.count(), 1);
 }
 
 void MainWindowTest::whatIsNotThereYetIsOutOfReach()

@@ -1,0 +1,980 @@
+#include "firmware/velantorfirmwaretoolwindow.h"
+
+#include "device/comdevicewatcher.h"
+#include "firmware/firmwareflasher.h"
+#include "support/fakeuploader.h"
+#include "support/filedialoganswer.h"
+#include "support/messageboxanswers.h"
+#include "support/patience.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QStyle>
+#include <QtTest>
+
+#include <cerrno>
+#include <csignal>
+#include <functional>
+#include <memory>
+
+using FirmwareTool::FirmwareFlasher;
+using FirmwareTool::VelantorFirmwareToolWindow;
+using Way = std::function<void(VelantorFirmwareToolWindow *)>;
+Q_DECLARE_METATYPE(Way)
+
+namespace
+{
+
+/// The ports of the pretended computer, in the order in which it lists them.
+QStringList portsOfTheComputer;
+
+QList<QextPortInfo> portInfos(const QStringList &names)
+{
+    QList<QextPortInfo> ports;
+    for (const QString &name : names) {
+        QextPortInfo port;
+        port.portName = name;
+        ports.append(port);
+    }
+    return ports;
+}
+
+/// A desktop's own font as long as it lives.
+struct DesktopFont {
+    explicit DesktopFont(const QFont &font) { QApplication::setFont(font); }
+    ~DesktopFont() { QApplication::setFont(before); }
+    const QFont before = QApplication::font();
+};
+
+QByteArray member(const QByteArray &name, const QByteArray &content)
+{
+    return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
+}
+
+const QByteArray bundle = member("fw7.hex", ":00000001FF\n") +
+                          member("device_overwrite_profiles.txt", "overwrite\n") +
+                          member("device_keep_profiles.txt", "keep\n");
+
+const QString RUN = QStringLiteral("-s /dev/%1 -h -V -e -w fw7.hex -v fw7.hex");
+
+/// A run that prints chunks with time between them for the reader, which looks at each once.
+QString printing(const QStringList &chunks)
+{
+    QString shell;
+    for (int index = 0; index < chunks.size(); ++index)
+        shell += QStringLiteral("echo '%1'; while [ -e plan ] && [ ! -e seen%2 ]; do sleep 0.01; "
+                                "done; ")
+                     .arg(chunks.at(index))
+                     .arg(index);
+    return shell;
+}
+
+bool isGone(pid_t process)
+{
+    return kill(process, 0) != 0 && errno == ESRCH;
+}
+
+} // namespace
+
+// Stands in front of the library's list, so that the ports of the test's computer play no part.
+QList<QextPortInfo> QextSerialEnumerator::getPorts()
+{
+    return portInfos(portsOfTheComputer);
+}
+
+class VelantorFirmwareToolWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void showsItselfInFrontOfAll();
+    void textsOfTheForm_data();
+    void textsOfTheForm();
+    void menusHoldTheirEntriesInOrder();
+    void nothingIsUnderWayAtFirst();
+    void tabFollowsTheUser();
+    void enterPressesTheButtonInFocus();
+    void showsAllTextsWhole_data();
+    void showsAllTextsWhole();
+    void rowsAreAligned();
+    void marksMoveNothing();
+    void aLongNameGivesWay();
+    void aNameIsNoMarkup();
+
+    void listsPorts_data();
+    void listsPorts();
+    void followsTheCable();
+    void aNewPortIsChosen_data();
+    void aNewPortIsChosen();
+    void aListedPortChangesNothing();
+    void unpluggingRemovesPorts();
+    void withoutPortsTheButtonsStayEnabled();
+
+    void choosesAFile_data();
+    void choosesAFile();
+    void theNextFileIsLookedForBesideTheLast();
+    void cancelKeepsTheFile();
+    void typedTextCountsLikeAChosenFile();
+    void theLabelFollowsEachKey();
+    void withoutAFileNothingStarts_data();
+    void withoutAFileNothingStarts();
+    void onlyBundlesAreFlashed_data();
+    void onlyBundlesAreFlashed();
+
+    void startsTheUploader();
+    void theChosenPortIsFlashed();
+    void profilesAreKeptUnlessTicked_data();
+    void profilesAreKeptUnlessTicked();
+    void aFlashThatSucceeds();
+    void anErrorLeavesCloseDisabled();
+    void withoutAPortThePortCannotBeOpened();
+    void theAskForAConnectIsPassedOn();
+
+    void closes_data();
+    void closes();
+    void exitTwiceTellsOnce();
+    void theTableOfAnOlderInstallationComesBack_data();
+    void theTableOfAnOlderInstallationComesBack();
+    void closingEndsTheUploader_data();
+    void closingEndsTheUploader();
+    void mayDieInItsBox_data();
+    void mayDieInItsBox();
+
+    void helpTellsTheSteps();
+
+private:
+    template <typename T> T *widget(const char *name) const
+    {
+        T *found = tool->findChild<T *>(QLatin1String(name));
+        if (!found)
+            qFatal("no %s", name);
+        return found;
+    }
+    void open();
+    QComboBox *dropdown() const { return widget<QComboBox>("comPortsDropdown"); }
+    QLineEdit *fileBox() const { return widget<QLineEdit>("fileInputBox"); }
+    QPushButton *submit() const { return widget<QPushButton>("submitButton"); }
+    QPushButton *closeButton() const { return widget<QPushButton>("closeButton"); }
+    QString fileLabel() const { return widget<QLabel>("fileSelectedLabel")->text(); }
+    QStringList listed() const;
+    void type(const QString &text) const;
+    /// Types the name of a bundle that is there.
+    void typeBundle() const;
+    /// Lets the uploader go on behind its chunk of this number.
+    void chunkWasSeen(int number) const
+    {
+        uploader->folder.write(QStringLiteral("seen%1").arg(number), {});
+    }
+
+    std::unique_ptr<FakeUploader> uploader;
+    std::unique_ptr<QWidget> owner;
+    QPointer<VelantorFirmwareToolWindow> tool;
+};
+
+void VelantorFirmwareToolWindowTest::init()
+{
+    portsOfTheComputer = QStringList{QStringLiteral("ttyUSB0")};
+    uploader = std::make_unique<FakeUploader>();
+    uploader->folder.write(QStringLiteral("fw.velantor"), bundle);
+    owner = std::make_unique<QWidget>();
+}
+
+void VelantorFirmwareToolWindowTest::cleanup()
+{
+    owner.reset();
+    QVERIFY(!tool);
+    uploader.reset();
+}
+
+void VelantorFirmwareToolWindowTest::open()
+{
+    tool = new VelantorFirmwareToolWindow(owner.get());
+}
+
+QStringList VelantorFirmwareToolWindowTest::listed() const
+{
+    QStringList names;
+    for (int index = 0; index < dropdown()->count(); ++index)
+        names.append(dropdown()->itemText(index));
+    return names;
+}
+
+void VelantorFirmwareToolWindowTest::type(const QString &text) const
+{
+    fileBox()->setFocus();
+    fileBox()->selectAll();
+    if (text.isEmpty())
+        QTest::keyClick(fileBox(), Qt::Key_Delete);
+    else
+        QTest::keyClicks(fileBox(), text);
+}
+
+void VelantorFirmwareToolWindowTest::typeBundle() const
+{
+    type(QStringLiteral("fw.velantor"));
+}
+
+void VelantorFirmwareToolWindowTest::showsItselfInFrontOfAll()
+{
+    open();
+    QVERIFY(tool->isVisible());
+    QVERIFY(tool->isWindow());
+    QCOMPARE(tool->parentWidget(), owner.get());
+    QCOMPARE(tool->windowTitle(), QStringLiteral("Velantor Firmware Tool"));
+    QCOMPARE(tool->windowModality(), Qt::ApplicationModal);
+    QVERIFY(tool->testAttribute(Qt::WA_DeleteOnClose));
+}
+
+void VelantorFirmwareToolWindowTest::textsOfTheForm_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("help") << "actionHelp"
+                          << "Getting Started...";
+    QTest::newRow("load") << "actionLoad_File"
+                          << "Load File...";
+    QTest::newRow("exit") << "actionExit"
+                          << "Exit";
+    QTest::newRow("erase") << "eraseLable"
+                           << "Erasing Flash";
+    QTest::newRow("load row") << "loadingLable"
+                              << "Loading File";
+    QTest::newRow("upload") << "uploadingLabel"
+                            << "Uploading";
+    QTest::newRow("verify") << "verifyingLabel"
+                            << "Verifying";
+    QTest::newRow("profiles") << "deleteProfilesCB"
+                              << "Overwrite Profile Data";
+    QTest::newRow("browse") << "selectFileButton"
+                            << "Browse...";
+    QTest::newRow("file") << "fileSelectedLabel"
+                          << "No File Selected";
+    QTest::newRow("submit") << "submitButton"
+                            << "Update Firmware";
+    QTest::newRow("close") << "closeButton"
+                           << "Close";
+    for (const char *mark : {"eraseFlashCM", "loadFileCM", "uploadCM", "verifyCM"})
+        QTest::newRow(mark) << mark << "";
+}
+
+void VelantorFirmwareToolWindowTest::textsOfTheForm()
+{
+    QFETCH(QString, name);
+    open();
+    auto *object = tool->findChild<QObject *>(name);
+    QVERIFY(object);
+    QTEST(object->property("text").toString(), "text");
+    QCOMPARE(widget<QCheckBox>("deleteProfilesCB")->toolTip(),
+             QStringLiteral("Check this if you are getting an \"Invalid Type\" error when "
+                            "attempting to connect"));
+}
+
+void VelantorFirmwareToolWindowTest::menusHoldTheirEntriesInOrder()
+{
+    open();
+    QStringList found;
+    for (const QAction *menu : tool->menuBar()->actions()) {
+        found.append(menu->menu()->objectName() + QStringLiteral(": ") + menu->text());
+        for (const QAction *entry : menu->menu()->actions())
+            found.append(entry->isSeparator() ? QStringLiteral("--") : entry->objectName());
+    }
+    QCOMPARE(found,
+             QStringList({QStringLiteral("menuFile: File"), QStringLiteral("actionLoad_File"),
+                          QStringLiteral("--"), QStringLiteral("actionExit"),
+                          QStringLiteral("menuHelp: Help"), QStringLiteral("actionHelp")}));
+}
+
+void VelantorFirmwareToolWindowTest::nothingIsUnderWayAtFirst()
+{
+    open();
+    for (const char *bar : {"eraseFlashPB", "loadFilePB", "uploadPB", "verifyPB"}) {
+        QCOMPARE(widget<QProgressBar>(bar)->minimum(), 0);
+        QCOMPARE(widget<QProgressBar>(bar)->maximum(), 100);
+        QCOMPARE(widget<QProgressBar>(bar)->value(), 0);
+    }
+    for (const char *mark : {"eraseFlashCM", "loadFileCM", "uploadCM", "verifyCM"})
+        QVERIFY(widget<QLabel>(mark)->isVisible());
+    QVERIFY(!widget<QCheckBox>("deleteProfilesCB")->isChecked());
+    QVERIFY(submit()->isEnabled());
+    QVERIFY(closeButton()->isEnabled());
+    QCOMPARE(fileBox()->text(), QString());
+    QVERIFY(uploader->runs().isEmpty());
+}
+
+void VelantorFirmwareToolWindowTest::tabFollowsTheUser()
+{
+    open();
+    tool->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(tool));
+    QStringList order;
+    for (int step = 0; step < 6; ++step) {
+        order.append(tool->focusWidget()->objectName());
+        QTest::keyClick(tool->focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(order,
+             QStringList({QStringLiteral("selectFileButton"), QStringLiteral("fileInputBox"),
+                          QStringLiteral("comPortsDropdown"), QStringLiteral("deleteProfilesCB"),
+                          QStringLiteral("submitButton"), QStringLiteral("closeButton")}));
+    QCOMPARE(tool->focusWidget()->objectName(), QStringLiteral("selectFileButton"));
+}
+
+void VelantorFirmwareToolWindowTest::enterPressesTheButtonInFocus()
+{
+    open();
+    MessageBoxAnswers user;
+    submit()->setFocus();
+    QTest::keyClick(submit(), Qt::Key_Return);
+    QCOMPARE(user.titles(), QStringList(QStringLiteral("No File")));
+    // A key in the field starts nothing that cannot be taken back.
+    typeBundle();
+    QTest::keyClick(fileBox(), Qt::Key_Return);
+    QVERIFY(submit()->isEnabled());
+    QVERIFY(uploader->runs().isEmpty());
+}
+
+void VelantorFirmwareToolWindowTest::showsAllTextsWhole_data()
+{
+    QTest::addColumn<QFont>("font");
+    QTest::newRow("the suite's") << QFont(QStringLiteral("Arial"), 9);
+    QTest::newRow("the desktop's") << QApplication::font();
+    QTest::newRow("wide") << QFont(QStringLiteral("DejaVu Sans"), 14, QFont::Bold);
+    QTest::newRow("huge") << QFont(QStringLiteral("DejaVu Sans"), 22);
+}
+
+void VelantorFirmwareToolWindowTest::showsAllTextsWhole()
+{
+    QFETCH(QFont, font);
+    const DesktopFont desktop(font);
+    open();
+    QVERIFY(QTest::qWaitForWindowExposed(tool));
+    for (QWidget *shown : tool->centralWidget()->findChildren<QWidget *>()) {
+        if (!shown->property("text").isValid() || shown == fileBox())
+            continue;
+        if (shown->objectName() == QStringLiteral("fileSelectedLabel"))
+            continue; // gives way
+        QVERIFY2(shown->width() >= shown->sizeHint().width() &&
+                     shown->height() >= shown->sizeHint().height(),
+                 qPrintable(shown->objectName()));
+        QVERIFY2(tool->centralWidget()->rect().contains(
+                     QRect(shown->mapTo(tool->centralWidget(), QPoint()), shown->size())),
+                 qPrintable(shown->objectName()));
+    }
+}
+
+void VelantorFirmwareToolWindowTest::rowsAreAligned()
+{
+    open();
+    QVERIFY(QTest::qWaitForWindowExposed(tool));
+    const int left = widget<QWidget>("eraseFlashPB")->x();
+    for (const char *name : {"fileInputBox", "fileSelectedLabel", "comPortsDropdown",
+                             "deleteProfilesCB", "loadFilePB", "uploadPB", "verifyPB"})
+        QVERIFY2(widget<QWidget>(name)->x() == left, name);
+    const int right = widget<QWidget>("eraseFlashPB")->geometry().right();
+    for (const char *name : {"loadFilePB", "uploadPB", "verifyPB"})
+        QVERIFY2(widget<QWidget>(name)->geometry().right() == right, name);
+    QCOMPARE(dropdown()->geometry().right(), fileBox()->geometry().right());
+}
+
+void VelantorFirmwareToolWindowTest::marksMoveNothing()
+{
+    open();
+    QVERIFY(QTest::qWaitForWindowExposed(tool));
+    const QRect before = widget<QWidget>("eraseFlashPB")->geometry();
+    for (const char *mark : {"eraseFlashCM", "loadFileCM", "uploadCM", "verifyCM"})
+        widget<QLabel>(mark)->setText(QString(QChar(0x221A)));
+    QApplication::processEvents();
+    tool->centralWidget()->layout()->activate();
+    QCOMPARE(widget<QWidget>("eraseFlashPB")->geometry(), before);
+}
+
+void VelantorFirmwareToolWindowTest::aLongNameGivesWay()
+{
+    open();
+    QVERIFY(QTest::qWaitForWindowExposed(tool));
+    const QSize before = tool->size();
+    const QSize least = tool->minimumSizeHint();
+    const QString name = QString(300, QLatin1Char('W')) + QStringLiteral(".velantor");
+    fileBox()->setText(name);
+    tool->on_fileInputBox_textEdited(name);
+    QApplication::processEvents();
+    QCOMPARE(tool->size(), before);
+    QCOMPARE(tool->minimumSizeHint(), least);
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : ") + name);
+}
+
+void VelantorFirmwareToolWindowTest::aNameIsNoMarkup()
+{
+    open();
+    auto *label = widget<QLabel>("fileSelectedLabel");
+    type(QStringLiteral("<b>a</b>.velantor"));
+    QCOMPARE(label->textFormat(), Qt::PlainText);
+}
+
+void VelantorFirmwareToolWindowTest::listsPorts_data()
+{
+    QTest::addColumn<QStringList>("ports");
+    QTest::addColumn<QStringList>("expected");
+    const QString usb0 = QStringLiteral("ttyUSB0");
+    const QString usb1 = QStringLiteral("ttyUSB1");
+    const QString s0 = QStringLiteral("ttyS0");
+    QTest::newRow("none") << QStringList{} << QStringList{};
+    QTest::newRow("one") << QStringList{usb0} << QStringList{usb0};
+    QTest::newRow("last first") << QStringList{usb0, usb1} << QStringList{usb1, usb0};
+    QTest::newRow("built-in ports too") << QStringList{s0, usb0} << QStringList{usb0, s0};
+    QTest::newRow("built-in port last") << QStringList{usb0, s0} << QStringList{s0, usb0};
+}
+
+void VelantorFirmwareToolWindowTest::listsPorts()
+{
+    QFETCH(QStringList, ports);
+    QFETCH(QStringList, expected);
+    portsOfTheComputer = ports;
+    open();
+    QCOMPARE(listed(), expected);
+    QCOMPARE(dropdown()->currentText(), expected.value(0));
+}
+
+void VelantorFirmwareToolWindowTest::followsTheCable()
+{
+    portsOfTheComputer.clear();
+    open();
+    portsOfTheComputer = QStringList{QStringLiteral("ttyUSB3")};
+    QTRY_COMPARE(listed(), portsOfTheComputer); // the watcher looks by itself
+    portsOfTheComputer.clear();
+    tool->findChild<COMDeviceWatcher *>()->onTimerFired();
+    QCOMPARE(listed(), QStringList());
+}
+
+void VelantorFirmwareToolWindowTest::aNewPortIsChosen_data()
+{
+    QTest::addColumn<QStringList>("before");
+    QTest::addColumn<QStringList>("after");
+    QTest::addColumn<QString>("added");
+    QTest::addColumn<QStringList>("expected");
+    const QString a = QStringLiteral("ttyUSB0");
+    const QString b = QStringLiteral("ttyUSB1");
+    const QString c = QStringLiteral("ttyUSB2");
+    QTest::newRow("the first") << QStringList{} << QStringList{a} << a << QStringList{a};
+    QTest::newRow("listed last") << QStringList{a, b} << QStringList{a, b, c} << c
+                                 << QStringList{c, b, a};
+    QTest::newRow("listed between")
+        << QStringList{a, c} << QStringList{a, b, c} << b << QStringList{c, b, a};
+    QTest::newRow("listed first") << QStringList{b, c} << QStringList{a, b, c} << a
+                                  << QStringList{c, b, a};
+    QTest::newRow("built in") << QStringList{a} << QStringList{QStringLiteral("ttyS0"), a}
+                              << QStringLiteral("ttyS0") << QStringList{a, QStringLiteral("ttyS0")};
+}
+
+void VelantorFirmwareToolWindowTest::aNewPortIsChosen()
+{
+    QFETCH(QStringList, before);
+    QFETCH(QStringList, after);
+    QFETCH(QString, added);
+    portsOfTheComputer = before;
+    open();
+    portsOfTheComputer = after;
+    tool->onDevicesConnected(portInfos({added}));
+    QTEST(listed(), "expected");
+    QCOMPARE(dropdown()->currentText(), added);
+}
+
+void VelantorFirmwareToolWindowTest::aListedPortChangesNothing()
+{
+    portsOfTheComputer = QStringList{QStringLiteral("ttyUSB0"), QStringLiteral("ttyUSB1")};
+    open();
+    dropdown()->setCurrentText(QStringLiteral("ttyUSB0"));
+    tool->onDevicesConnected(portInfos({QStringLiteral("ttyUSB1")}));
+    QCOMPARE(listed(), QStringList({QStringLiteral("ttyUSB1"), QStringLiteral("ttyUSB0")}));
+    QCOMPARE(dropdown()->currentText(), QStringLiteral("ttyUSB0"));
+}
+
+void VelantorFirmwareToolWindowTest::unpluggingRemovesPorts()
+{
+    const QString a = QStringLiteral("ttyUSB0");
+    const QString b = QStringLiteral("ttyUSB1");
+    const QString c = QStringLiteral("ttyUSB2");
+    portsOfTheComputer = QStringList{a, b, c};
+    open();
+    dropdown()->setCurrentText(b);
+    tool->onDevicesDisconnected(portInfos({c, QStringLiteral("never-listed")}));
+    QCOMPARE(listed(), QStringList({b, a}));
+    QCOMPARE(dropdown()->currentText(), b);
+    tool->onDevicesDisconnected(portInfos({b, a}));
+    QCOMPARE(listed(), QStringList());
+}
+
+void VelantorFirmwareToolWindowTest::withoutPortsTheButtonsStayEnabled()
+{
+    open();
+    tool->onDevicesDisconnected(portInfos({QStringLiteral("ttyUSB0")}));
+    QVERIFY(submit()->isEnabled());
+    QVERIFY(closeButton()->isEnabled());
+    portsOfTheComputer.clear();
+    typeBundle();
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    tool->onDevicesConnected(portInfos({QStringLiteral("ttyUSB0")}));
+    QVERIFY(!submit()->isEnabled());
+}
+
+void VelantorFirmwareToolWindowTest::choosesAFile_data()
+{
+    QTest::addColumn<bool>("byMenu");
+    QTest::newRow("button") << false;
+    QTest::newRow("menu") << true;
+}
+
+void VelantorFirmwareToolWindowTest::choosesAFile()
+{
+    QFETCH(bool, byMenu);
+    open();
+    const QString path = uploader->folder.path() + QStringLiteral("/fw.velantor");
+    FileDialogAnswer user(path);
+    if (byMenu)
+        tool->findChild<QAction *>(QStringLiteral("actionLoad_File"))->trigger();
+    else
+        widget<QPushButton>("selectFileButton")->click();
+    QVERIFY(user.asked);
+    QVERIFY(!user.saving);
+    QCOMPARE(user.title, QStringLiteral("Select Velantor Firmware File"));
+    QCOMPARE(user.filters, QStringList({QStringLiteral("Velantor Firmware Files (*.velantor)"),
+                                        QStringLiteral("All Files (*.*)")}));
+    QCOMPARE(QDir(user.folder).canonicalPath(), QDir::current().canonicalPath());
+    QCOMPARE(fileBox()->text(), path);
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : fw.velantor"));
+    QCOMPARE(tool->findChild<FirmwareFlasher *>()->getHexPath(), path);
+}
+
+void VelantorFirmwareToolWindowTest::theNextFileIsLookedForBesideTheLast()
+{
+    open();
+    QVERIFY(QDir().mkdir(QStringLiteral("downloads")));
+    uploader->folder.write(QStringLiteral("downloads/new.velantor"), bundle);
+    FileDialogAnswer first(uploader->folder.path() + QStringLiteral("/downloads/new.velantor"));
+    tool->on_selectFileButton_clicked();
+    FileDialogAnswer second({});
+    tool->on_selectFileButton_clicked();
+    QCOMPARE(QDir(second.folder).canonicalPath(),
+             QDir(QStringLiteral("downloads")).canonicalPath());
+}
+
+void VelantorFirmwareToolWindowTest::cancelKeepsTheFile()
+{
+    open();
+    typeBundle();
+    FileDialogAnswer user({});
+    tool->on_selectFileButton_clicked();
+    QVERIFY(user.asked);
+    QCOMPARE(fileBox()->text(), QStringLiteral("fw.velantor"));
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : fw.velantor"));
+    QCOMPARE(tool->findChild<FirmwareFlasher *>()->getHexPath(), QStringLiteral("fw.velantor"));
+}
+
+void VelantorFirmwareToolWindowTest::typedTextCountsLikeAChosenFile()
+{
+    open();
+    typeBundle();
+    QCOMPARE(tool->findChild<FirmwareFlasher *>()->getHexPath(), QStringLiteral("fw.velantor"));
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    QTRY_COMPARE(uploader->runs(), QStringList(RUN.arg(QStringLiteral("ttyUSB0"))));
+}
+
+void VelantorFirmwareToolWindowTest::theLabelFollowsEachKey()
+{
+    open();
+    fileBox()->setFocus();
+    QTest::keyClick(fileBox(), 'f');
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : f"));
+    QTest::keyClick(fileBox(), 'w');
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : fw"));
+    QTest::keyClick(fileBox(), '/');
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : "));
+    QTest::keyClick(fileBox(), 'a');
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : a"));
+    type({});
+    QCOMPARE(fileLabel(), QStringLiteral("File Selected : "));
+}
+
+void VelantorFirmwareToolWindowTest::withoutAFileNothingStarts_data()
+{
+    QTest::addColumn<bool>("typedBefore");
+    QTest::newRow("nothing chosen") << false;
+    QTest::newRow("text deleted") << true;
+}
+
+void VelantorFirmwareToolWindowTest::withoutAFileNothingStarts()
+{
+    QFETCH(bool, typedBefore);
+    open();
+    if (typedBefore) {
+        typeBundle();
+        type({});
+    }
+    MessageBoxAnswers user;
+    submit()->click();
+    QCOMPARE(user.seen().size(), 1);
+    const MessageBoxAnswers::Box box = user.seen().first();
+    QCOMPARE(box.title, QStringLiteral("No File"));
+    QCOMPARE(box.icon, QMessageBox::Information);
+    QCOMPARE(box.text, QStringLiteral("Please specify a file to flash to the Velatnor."));
+    QVERIFY(box.modal);
+    QVERIFY(submit()->isEnabled());
+    QVERIFY(closeButton()->isEnabled());
+    QVERIFY(tool->findChildren<QMessageBox *>().isEmpty());
+    QVERIFY(uploader->runs().isEmpty());
+}
+
+void VelantorFirmwareToolWindowTest::onlyBundlesAreFlashed_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("good");
+    QTest::newRow("bundle") << "fw.velantor" << true;
+    QTest::newRow("ending alone") << ".velantor" << true;
+    QTest::newRow("with folders") << "/tmp/a b/v1.039.velantor" << true;
+    // A word ends at the dot: that it is no bundle shows later.
+    QTest::newRow("backup") << "fw.velantor.bak" << true;
+    QTest::newRow("folder") << "my.velantor/fw" << true;
+    QTest::newRow("longer word") << "fw.velantors" << false;
+    QTest::newRow("digit behind") << "fw.velantor2" << false;
+    QTest::newRow("underscore behind") << "fw.velantor_" << false;
+    QTest::newRow("other case") << "fw.Velantor" << false;
+    QTest::newRow("no dot") << "velantor" << false;
+    QTest::newRow("other dot") << "fw-velantor" << false;
+    QTest::newRow("image") << "fw.hex" << false;
+    QTest::newRow("name of nothing") << "NOPATHS" << false;
+}
+
+void VelantorFirmwareToolWindowTest::onlyBundlesAreFlashed()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, good);
+    open();
+    tool->on_fileInputBox_textEdited(path);
+    MessageBoxAnswers user;
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    QCOMPARE(submit()->isEnabled(), !good);
+    QCOMPARE(closeButton()->isEnabled(), !good);
+    if (good) {
+        QTRY_COMPARE(uploader->runs().size(), 1);
+        QVERIFY(user.seen().isEmpty());
+        return;
+    }
+    QVERIFY(uploader->runs().isEmpty());
+    QCOMPARE(user.seen().size(), 1);
+    const MessageBoxAnswers::Box box = user.seen().first();
+    QCOMPARE(box.title, QStringLiteral("Wrong File"));
+    QCOMPARE(box.icon, QMessageBox::Information);
+    QCOMPARE(box.text, QStringLiteral("Please choose a .velantor file to flash to the Velantor."));
+    QCOMPARE(box.buttons.size(), 1);
+    QVERIFY(box.modal);
+}
+
+void VelantorFirmwareToolWindowTest::startsTheUploader()
+{
+    open();
+    typeBundle();
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    QVERIFY(!submit()->isEnabled());
+    QVERIFY(!closeButton()->isEnabled());
+    QVERIFY(tool->findChild<QAction *>(QStringLiteral("actionExit"))->isEnabled());
+    QCOMPARE(tool->windowModality(), Qt::ApplicationModal);
+    QTRY_COMPARE(uploader->runs(), QStringList(RUN.arg(QStringLiteral("ttyUSB0"))));
+    QCOMPARE(uploader->folder.read(QStringLiteral("fw7.hex")), QByteArray(":00000001FF\n"));
+}
+
+void VelantorFirmwareToolWindowTest::theChosenPortIsFlashed()
+{
+    portsOfTheComputer = QStringList{QStringLiteral("pts/4"), QStringLiteral("ttyUSB0")};
+    open();
+    typeBundle();
+    dropdown()->setCurrentText(QStringLiteral("pts/4"));
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    QCOMPARE(tool->findChild<FirmwareFlasher *>()->getCOMPort(), QStringLiteral("/dev/pts/4"));
+    QTRY_COMPARE(uploader->runs(), QStringList(RUN.arg(QStringLiteral("pts/4"))));
+}
+
+void VelantorFirmwareToolWindowTest::profilesAreKeptUnlessTicked_data()
+{
+    QTest::addColumn<int>("clicks");
+    QTest::addColumn<QByteArray>("table");
+    QTest::newRow("untouched") << 0 << QByteArray("keep\n");
+    QTest::newRow("ticked") << 1 << QByteArray("overwrite\n");
+    QTest::newRow("ticked and unticked") << 2 << QByteArray("keep\n");
+}
+
+void VelantorFirmwareToolWindowTest::profilesAreKeptUnlessTicked()
+{
+    QFETCH(int, clicks);
+    open();
+    typeBundle();
+    for (int click = 0; click < clicks; ++click)
+        widget<QCheckBox>("deleteProfilesCB")->click();
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    QTEST(uploader->folder.read(QStringLiteral("device.txt")), "table");
+}
+
+void VelantorFirmwareToolWindowTest::aFlashThatSucceeds()
+{
+    open();
+    typeBundle();
+    uploader->plan(
+        {printing({QStringLiteral("All flash above bldr erased"), QStringLiteral("hex file loaded"),
+                   QStringLiteral("  42%"), QStringLiteral("Flash Write success"),
+                   QStringLiteral("Verified Flash OK")})});
+    QStringList order;
+    connect(tool, &VelantorFirmwareToolWindow::flashed, this,
+            [&] { order.append(QStringLiteral("flashed")); });
+    connect(tool, &VelantorFirmwareToolWindow::resetVelantorSignalFT, this,
+            [&](const QString &port) { order.append(QStringLiteral("reset ") + port); });
+    connect(tool, &VelantorFirmwareToolWindow::closing, this,
+            [&] { order.append(QStringLiteral("closing")); });
+    submit()->click();
+
+    const QString mark(QChar(0x221A));
+    QTRY_COMPARE(widget<QLabel>("eraseFlashCM")->text(), mark);
+    chunkWasSeen(0);
+    QTRY_COMPARE(widget<QProgressBar>("loadFilePB")->maximum(), 100);
+    chunkWasSeen(1);
+    QTRY_COMPARE(widget<QProgressBar>("uploadPB")->value(), 42);
+    chunkWasSeen(2);
+    QTRY_COMPARE(widget<QLabel>("uploadCM")->text(), mark);
+    QVERIFY(!submit()->isEnabled());
+    chunkWasSeen(3);
+    QTRY_COMPARE(widget<QLabel>("verifyCM")->text(), mark);
+    QCOMPARE(order, QStringList({QStringLiteral("flashed"), QStringLiteral("reset /dev/ttyUSB0")}));
+    QVERIFY(submit()->isEnabled());
+    QVERIFY(closeButton()->isEnabled());
+    QVERIFY(tool->isVisible());
+}
+
+void VelantorFirmwareToolWindowTest::anErrorLeavesCloseDisabled()
+{
+    open();
+    typeBundle();
+    uploader->plan({printing({QStringLiteral("Can not open comport")})});
+    MessageBoxAnswers user;
+    submit()->click();
+    QTRY_COMPARE(user.titles(), QStringList(QStringLiteral("Flashing Error!")));
+    QTRY_VERIFY(submit()->isEnabled());
+    QVERIFY(!closeButton()->isEnabled());
+    tool->findChild<QAction *>(QStringLiteral("actionExit"))->trigger();
+    QTRY_VERIFY(!tool);
+}
+
+void VelantorFirmwareToolWindowTest::withoutAPortThePortCannotBeOpened()
+{
+    portsOfTheComputer.clear();
+    open();
+    typeBundle();
+    uploader->plan({FakeUploader::WAIT});
+    submit()->click();
+    QTRY_COMPARE(uploader->runs(), QStringList(RUN.arg(QString())));
+}
+
+void VelantorFirmwareToolWindowTest::theAskForAConnectIsPassedOn()
+{
+    open();
+    QSignalSpy asked(tool, &VelantorFirmwareToolWindow::connectVelantorSignalFT);
+    emit tool->findChild<FirmwareFlasher *>()->connectVelantorSignalFF();
+    QCOMPARE(asked.size(), 1);
+}
+
+void VelantorFirmwareToolWindowTest::closes_data()
+{
+    QTest::addColumn<Way>("way");
+    QTest::newRow("menu") << Way([](VelantorFirmwareToolWindow *window) {
+        window->findChild<QAction *>(QStringLiteral("actionExit"))->trigger();
+    });
+    QTest::newRow("button") << Way([](VelantorFirmwareToolWindow *window) {
+        window->findChild<QPushButton *>(QStringLiteral("closeButton"))->click();
+    });
+    QTest::newRow("frame of the window")
+        << Way([](VelantorFirmwareToolWindow *window) { window->close(); });
+    QTest::newRow("end of the session")
+        << Way([](VelantorFirmwareToolWindow *) { QApplication::closeAllWindows(); });
+}
+
+void VelantorFirmwareToolWindowTest::closes()
+{
+    QFETCH(Way, way);
+    uploader->folder.write(QStringLiteral("device.txt"), "old\n");
+    uploader->folder.write(QStringLiteral("device_overwrite.txt"), "left over\n");
+    open();
+    int told = 0;
+    connect(tool, &VelantorFirmwareToolWindow::closing, this, [&] {
+        ++told;
+        QVERIFY(tool->isVisible());
+        QVERIFY(!QFile::exists(QStringLiteral("device_overwrite.txt")));
+    });
+    way(tool);
+    QCOMPARE(told, 1);
+    QVERIFY(!tool || !tool->isVisible());
+    QTRY_VERIFY(!tool);
+    QCOMPARE(told, 1);
+    QCOMPARE(uploader->folder.read(QStringLiteral("device.txt")), QByteArray("left over\n"));
+}
+
+void VelantorFirmwareToolWindowTest::exitTwiceTellsOnce()
+{
+    open();
+    QSignalSpy closing(tool, &VelantorFirmwareToolWindow::closing);
+    tool->exitProgram();
+    tool->exitProgram();
+    QCOMPARE(closing.size(), 1);
+    QTRY_VERIFY(!tool);
+}
+
+void VelantorFirmwareToolWindowTest::theTableOfAnOlderInstallationComesBack_data()
+{
+    QTest::addColumn<bool>("table");
+    QTest::addColumn<bool>("leftOver");
+    QTest::addColumn<QByteArray>("expected");
+    QTest::newRow("nothing left over") << true << false << QByteArray("now\n");
+    QTest::newRow("left over") << true << true << QByteArray("then\n");
+    QTest::newRow("left over alone") << false << true << QByteArray("then\n");
+    QTest::newRow("neither") << false << false << QByteArray();
+}
+
+void VelantorFirmwareToolWindowTest::theTableOfAnOlderInstallationComesBack()
+{
+    QFETCH(bool, table);
+    QFETCH(bool, leftOver);
+    QFETCH(QByteArray, expected);
+    if (table)
+        uploader->folder.write(QStringLiteral("device.txt"), "now\n");
+    if (leftOver)
+        uploader->folder.write(QStringLiteral("device_overwrite.txt"), "then\n");
+    open();
+    QVERIFY(QFile::exists(QStringLiteral("device_overwrite.txt")) == leftOver);
+    tool->exitProgram();
+    QCOMPARE(uploader->folder.read(QStringLiteral("device.txt")), expected);
+    QCOMPARE(QFile::exists(QStringLiteral("device.txt")), !expected.isEmpty());
+    QVERIFY(!QFile::exists(QStringLiteral("device_overwrite.txt")));
+    QTRY_VERIFY(!tool);
+}
+
+void VelantorFirmwareToolWindowTest::closingEndsTheUploader_data()
+{
+    closes_data();
+    QTest::newRow("its owner goes")
+        << Way([](VelantorFirmwareToolWindow *window) { delete window; });
+}
+
+void VelantorFirmwareToolWindowTest::closingEndsTheUploader()
+{
+    QFETCH(Way, way);
+    open();
+    typeBundle();
+    uploader->plan({QStringLiteral("echo $$ > pid.new; mv pid.new pid; exec sleep 1000")});
+    submit()->click();
+    QTRY_VERIFY(QFile::exists(QStringLiteral("pid")));
+    const pid_t process = uploader->folder.read(QStringLiteral("pid")).trimmed().toInt();
+    QVERIFY(process > 0);
+    QVERIFY(!isGone(process));
+    closeButton()->setEnabled(true); // as the watchdog does
+    way(tool);
+    QTRY_VERIFY(!tool);
+    QTRY_VERIFY(isGone(process));
+}
+
+void VelantorFirmwareToolWindowTest::mayDieInItsBox_data()
+{
+    QTest::addColumn<Way>("way");
+    QTest::newRow("no file") << Way(
+        [](VelantorFirmwareToolWindow *window) { window->on_submitButton_clicked(); });
+    QTest::newRow("wrong file") << Way([](VelantorFirmwareToolWindow *window) {
+        window->on_fileInputBox_textEdited(QStringLiteral("fw.hex"));
+        window->on_submitButton_clicked();
+    });
+    QTest::newRow("help") << Way([](VelantorFirmwareToolWindow *window) { window->helpProgram(); });
+}
+
+void VelantorFirmwareToolWindowTest::mayDieInItsBox()
+{
+    QFETCH(Way, way);
+    open();
+    MessageBoxAnswers user;
+    user.push([this](QMessageBox *) { delete tool; });
+    way(tool);
+    QVERIFY(!tool);
+    QCOMPARE(user.seen().size(), 1);
+}
+
+void VelantorFirmwareToolWindowTest::helpTellsTheSteps()
+{
+    open();
+    MessageBoxAnswers user;
+    int width = 0;
+    int height = 0;
+    QWidget *over = nullptr;
+    user.push([&](QMessageBox *box) {
+        over = box->parentWidget();
+        width = box->width();
+        height = box->height();
+        box->close();
+    });
+    tool->findChild<QAction *>(QStringLiteral("actionHelp"))->trigger();
+    QCOMPARE(user.seen().size(), 1);
+    const MessageBoxAnswers::Box box = user.seen().first();
+    QCOMPARE(over, tool.data());
+    QVERIFY(box.modal);
+    QCOMPARE(box.title, QStringLiteral("Basic Usage"));
+    QCOMPARE(box.icon, QMessageBox::NoIcon);
+    QVERIFY2(width >= 550, qPrintable(QString::number(width)));
+    QVERIFY(height <= QGuiApplication::primaryScreen()->size().height());
+    const QString heading =
+        QStringLiteral("<b><font size = \"5\">Velantor Firmware Tool Basic Usage:</font></b>");
+    QVERIFY(box.text.startsWith(heading));
+    QVERIFY(box.text.mid(heading.size()).startsWith(QStringLiteral("<font size = \"4\"><ol><li>")));
+    QVERIFY(box.text.endsWith(QStringLiteral("</li></ol></font>")));
+    QStringList steps;
+    for (const QString &part : box.text.split(QStringLiteral("<li>"), Qt::SkipEmptyParts).mid(1))
+        steps.append(part.section(QStringLiteral("</li>"), 0, 0));
+    QCOMPARE(
+        steps,
+        QStringList(
+            {QStringLiteral(
+                 "Connect the USB end of the USB->TTL programming cable to your computer, and TRS "
+                 "end (1/8\" audio plug) to the programming adapter cable of the Velantor."),
+             QStringLiteral(
+                 "Put the Velantor in bootloader mode. This is accomplished by leaving the "
+                 "Velantor powered off for 30 seconds, and then pressing and holding the lower "
+                 "button when AC power is applied. If bootloader mode if reached before powering "
+                 "on the Velantor, the OLED display screen will be completely blank."),
+             QStringLiteral("Select the firmware file to upload via the \"Browse...\" button of "
+                            "the software tool."),
+             QStringLiteral(
+                 "Select the correct COM port from the drop down list. It will default to the "
+                 "highest number COM port available, which is usually correct. If in doubt, you "
+                 "can check the windows device manager and expand the \"Ports (COM & LPT)\" field "
+                 "to see which COM port number is associated with the USB Serial Port."),
+             QStringLiteral(
+                 "With the Velantor plugged in and in bootloader mode, a firmware file selected, "
+                 "and the correct COM port chosen, press the \"Update Firmware\" button. The "
+                 "progress bars will show the upload process as the Velantor is erased, "
+                 "repogrammed, and then verified. Do not unplug the Velantor until this process "
+                 "is complete.")}));
+}
+
+QTEST_MAIN(VelantorFirmwareToolWindowTest)
+#include "tst_velantorfirmwaretoolwindow.moc"
