@@ -3,12 +3,12 @@
 #include "SSGenerator/generator.h"
 #include "SSGenerator/structsettings.h"
 #include "editors/newprofileedit.h"
+#include "editors/screenroom.h"
 #include "editors/settingslineedit.h"
 #include "profiles/profilesettings.h"
 #include "ui_newprofilewizard.h"
 
 #include <QKeyEvent>
-#include <QScreen>
 
 NewProfileWizard::NewProfileWizard(HParser::Generator *generator, QWidget *parent)
     : QDialog(parent),
@@ -31,9 +31,7 @@ NewProfileWizard::~NewProfileWizard() = default;
 void NewProfileWizard::fitScreen()
 {
     // What a small screen has no room for is scrolled to.
-    constexpr int titleBar = 40;
-    const QSize room = screen()->availableSize() - QSize(0, titleBar);
-    setFixedSize(size().boundedTo(room));
+    setFixedSize(size().boundedTo(roomOnScreen(this)));
 }
 
 void NewProfileWizard::setUpButtons()

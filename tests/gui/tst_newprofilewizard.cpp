@@ -4,6 +4,7 @@
 #include "editors/newprofileedit.h"
 #include "editors/newprofilewizard.h"
 #include "editors/profileedit.h"
+#include "editors/screenroom.h"
 #include "editors/settingscheckbox.h"
 #include "editors/settingslineedit.h"
 #include "profiles/profilesettings.h"
@@ -189,8 +190,9 @@ void NewProfileWizardTest::isAsLargeAsItsFormAndTheScreen()
     const QSize room = wizard->screen()->availableSize();
     QVERIFY(wizard->width() <= room.width());
     QVERIFY(wizard->height() < room.height());
-    constexpr int titleBar = 40;
-    QCOMPARE(wizard->size(), QSize(474, 616).boundedTo(room - QSize(0, titleBar)));
+    constexpr int titleBar = 30;
+    QCOMPARE(roomOnScreen(wizard), room - QSize(0, titleBar));
+    QCOMPARE(wizard->size(), QSize(474, 616).boundedTo(roomOnScreen(wizard)));
 
     choose("Nickel");
     wizard->setFixedSize(474, 616); // the form's
