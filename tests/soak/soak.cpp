@@ -1,22 +1,16 @@
 #include "soak.h"
 
 #include "HEXGeneratorParser/hexmanager.h"
-#include "ImportProfiles/importprofilesmain.h"
 #include "SSGenerator/generator.h"
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
 #include "app/look.h"
-#include "device/uploaddownloadmanager.h"
 #include "profiles/profilename.h"
-#include "profiles/profilesettings.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QPixmapCache>
-#include <QProcess>
 #include <QTest>
 
-#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -24,20 +18,7 @@ namespace
 const QStringList ids{QStringLiteral("profile_id"), QStringLiteral("stats.profile_id")};
 const QString anyStats = QStringLiteral("stats.");
 
-// What is not freed by design: profiles whose rows are gone, their statistics, and the structs of a
-// schema that another one has replaced. Beside that the window keeps the runs of the uploader.
-constexpr qint64 bytesOfAProfile = 68 * 1024;
-constexpr qint64 bytesOfStatistics = 44 * 1024;
-constexpr qint64 bytesOfASchema = 400 * 1024;
-constexpr qint64 bytesOfAConnect = 4 * 1024;
-// More rows may stand in the list than before, and caches may have filled.
-constexpr qint64 bytesOfAList = 6 * 1024 * 1024;
 constexpr int settlingRounds = 10;
-
-double mebibytes(qint64 bytes)
-{
-    return double(bytes) / (1024 * 1024);
-}
 
 bool isLie(const QString &fault)
 {
@@ -66,20 +47,7 @@ Soak::Soak(const Options &options)
     plugIn();
     story.open();
     setSuiteLook();
-    workingFolder = QDir::currentPath();
-    auto *importer = story.mainWindow()->findChild<ImportProfiles::ImportProfilesMain *>();
-    using ImportProfiles::ImportProfilesMain;
-    const auto count = [this](const ProfileSettings *profile) {
-        ++kept.profiles;
-        kept.statistics += profile->getStats() ? 1 : 0;
-    };
-    QObject::connect(importer, &ImportProfilesMain::profileReadyForImport, importer, count);
-    QObject::connect(importer, &ImportProfilesMain::profilesLastImported, importer,
-                     [count](const QList<ProfileSettings *> &list) {
-                         std::for_each(list.begin(), list.end(), count);
-                     });
-    QObject::connect(story.generator(), &HParser::Generator::finished, importer,
-                     [this] { ++kept.schemas; });
+    household = std::make_unique<Household>(&story, &user, &diary);
 }
 
 void Soak::plugIn()
@@ -122,14 +90,6 @@ int Soak::allowedProfiles() const
         ->getNumProfilesAllowed();
 }
 
-Soak::Kept Soak::keptSoFar() const
-{
-    Kept all = kept;
-    all.profiles += user.profilesMade();
-    all.connects = connects;
-    return all;
-}
-
 Values Soak::settingsInMemory() const
 {
     Values values;
@@ -137,27 +97,6 @@ Values Soak::settingsInMemory() const
     for (const QString &member : onCharger.settings.keys())
         values.insert(member, settings->getStructSettingByName(member)->getValue());
     return values;
-}
-
-/// Objects of the window that stay from round to round: those of rows and pages, and the runs of
-/// the uploader, which the window keeps to its end, are left out.
-int Soak::lastingObjects() const
-{
-    int count = 0;
-    const MainWindow *window = story.mainWindow();
-    const QStringList changing{QStringLiteral("profileNamesList"),
-                               QStringLiteral("containerScroll"),
-                               QStringLiteral("unitSettingsDisplay")};
-    const auto objects = window->findChildren<QObject *>();
-    for (const QObject *object : objects) {
-        bool counts = true;
-        for (const QObject *up = object; counts && up != window; up = up->parent())
-            counts = !changing.contains(up->objectName()) && !qobject_cast<const QProcess *>(up) &&
-                     !up->inherits("UploadDownload::DownloadProfiles") &&
-                     !up->inherits("HParser::Generator");
-        count += counts ? 1 : 0;
-    }
-    return count;
 }
 
 void Soak::playRound()
@@ -172,8 +111,10 @@ void Soak::playRound()
         readAgain();
     if (!stuck && story.isConnected())
         disconnectFromCharger();
-    if (!stuck)
-        checkNothingIsLeft();
+    if (stuck)
+        return;
+    checkMarks();
+    household->checkNothingIsLeft();
 }
 
 void Soak::beforeConnecting()
@@ -582,29 +523,8 @@ void Soak::checkDisconnected(const QList<Values> &rows)
                  differences(rows, profilesInList(story)));
 }
 
-void Soak::checkNothingIsLeft()
+void Soak::checkMarks()
 {
-    if (SuiteStory::dialog() || QApplication::activeModalWidget() ||
-        QApplication::activePopupWidget())
-        diary.broken(QStringLiteral("a dialog is left over"));
-    if (QDir::currentPath() != workingFolder)
-        diary.broken(QStringLiteral("the current directory is ") + QDir::currentPath());
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    const Resources now = Resources::now();
-    if (now.children != 1) // the charger
-        diary.broken(QStringLiteral("%1 children").arg(now.children));
-    if (first.descriptors == 0) {
-        first = now;
-        firstObjects = lastingObjects();
-    }
-    if (now.descriptors != first.descriptors)
-        diary.broken(QStringLiteral("%1 open files in place of %2")
-                         .arg(now.descriptors)
-                         .arg(first.descriptors));
-    if (lastingObjects() != firstObjects)
-        diary.broken(QStringLiteral("%1 objects of the window in place of %2")
-                         .arg(lastingObjects())
-                         .arg(firstObjects));
     int marked = 0;
     for (int i = 0; i < story.list()->count(); ++i) {
         const ProfileName *row = story.row(i);
@@ -618,37 +538,14 @@ void Soak::checkNothingIsLeft()
 
 void Soak::report(int round) const
 {
-    const Resources now = Resources::now();
     int boxes = 0;
     for (const int count : user.boxesSeen())
         boxes += count;
-    std::printf(
-        "round %d: %d connects, %d writes, %d retries, faults %d laid %d struck, "
-        "%d boxes, %d profiles, %d schemas; resident %.1f MiB, heap %.1f MiB, objects %d of %d, "
-        "top-level widgets %d, open files %d, children %d\n",
-        round, connects, writes, retries, mishaps.laidCount(), mishaps.struckCount(), boxes,
-        keptSoFar().profiles, kept.schemas, mebibytes(now.resident), mebibytes(now.heap),
-        lastingObjects(), story.mainWindow()->findChildren<QObject *>().size(),
-        QApplication::topLevelWidgets().size(), now.descriptors, now.children);
+    std::printf("round %d: %d connects, %d writes, %d retries, faults %d laid %d struck, %d boxes, "
+                "%s\n",
+                round, connects, writes, retries, mishaps.laidCount(), mishaps.struckCount(), boxes,
+                qPrintable(household->figures()));
     std::fflush(stdout);
-}
-
-void Soak::checkGrowth()
-{
-    QPixmapCache::clear();
-    const Kept now = keptSoFar();
-    const int profiles = now.profiles - keptWhenSettled.profiles;
-    const int statistics = now.statistics - keptWhenSettled.statistics;
-    const int schemas = now.schemas - keptWhenSettled.schemas;
-    const qint64 allowed = bytesOfAList + profiles * bytesOfAProfile +
-                           statistics * bytesOfStatistics + schemas * bytesOfASchema +
-                           (now.connects - keptWhenSettled.connects) * bytesOfAConnect;
-    const qint64 grown = Resources::now().heap - settled.heap;
-    std::printf("heap grown by %.1f MiB over %d profiles, %d of them with statistics, and %d "
-                "schemas; %.1f MiB are allowed\n",
-                mebibytes(grown), profiles, statistics, schemas, mebibytes(allowed));
-    if (grown > allowed)
-        diary.broken(QStringLiteral("memory grows without bound"));
 }
 
 void Soak::summary() const
@@ -665,17 +562,14 @@ bool Soak::run()
     for (int round = 1; round <= options.rounds && !stuck; ++round) {
         diary.begin(round);
         playRound();
-        if (round == settlingRounds) {
-            QPixmapCache::clear();
-            settled = Resources::now();
-            keptWhenSettled = keptSoFar();
-        }
+        if (round == settlingRounds)
+            household->settle();
         if (round % 10 == 0 || round == options.rounds)
             report(round);
         stuck = stuck || diary.brokenCount() >= enough;
     }
     if (options.rounds > settlingRounds && !stuck)
-        checkGrowth();
+        household->checkGrowth();
     summary();
     return diary.brokenCount() == 0 && !stuck;
 }

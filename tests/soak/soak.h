@@ -2,14 +2,15 @@
 
 #include "diary.h"
 #include "dice.h"
+#include "household.h"
 #include "mishaps.h"
 #include "profiletable.h"
 #include "randomuser.h"
-#include "resources.h"
 #include "suitestory.h"
 
-#include <QSet>
 #include <QTemporaryDir>
+
+#include <memory>
 
 /// Rounds of connect, edit, write and disconnect with everything that goes wrong on the way, and
 /// the laws that hold all the time.
@@ -30,13 +31,6 @@ public:
     void giveUp(const QString &reason) { diary.broken(reason); }
 
 private:
-    /// What is made and not freed before the end of the program.
-    struct Kept {
-        int profiles = 0;
-        int statistics = 0;
-        int schemas = 0;
-        int connects = 0;
-    };
     enum class Connecting { Connected, Closed, StillOpen };
 
     void plugIn();
@@ -60,7 +54,7 @@ private:
     void comeBack();
     void disconnectFromCharger();
     void checkDisconnected(const QList<Values> &rows);
-    void checkNothingIsLeft();
+    void checkMarks();
 
     /// What the charger holds from now on when it is repaired.
     void keepPage();
@@ -68,12 +62,9 @@ private:
     void repairCharger();
     Values settingsInMemory() const;
     int allowedProfiles() const;
-    Kept keptSoFar() const;
-    int lastingObjects() const;
 
     void report(int round) const;
     void summary() const;
-    void checkGrowth();
 
     Options options;
     Dice dice;
@@ -82,20 +73,15 @@ private:
     QTemporaryDir files;
     SuiteStory story;
     RandomUser user;
+    std::unique_ptr<Household> household; ///< from the moment on when the window is there
 
     QString hardware;
     ChargerPage onCharger;      ///< as last seen
     bool isWrittenByUs = false; ///< numbers on the page are rounded as the suite rounds them
     Values wantedSettings;      ///< the device settings as the user sees them
-    QString workingFolder;
     bool haveFile = false;
     bool stuck = false;
 
-    Resources first;
-    Resources settled;
-    int firstObjects = 0;
-    Kept kept;
-    Kept keptWhenSettled;
     int connects = 0;
     int writes = 0;
     int retries = 0;
