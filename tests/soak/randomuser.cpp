@@ -39,6 +39,13 @@ StructSettings *recordOf(const SuiteStory &story, int row)
     return story.row(row)->getProfileSettings()->structSettings;
 }
 
+/// What closed goes in the event loop, which runs between any two deeds of a user.
+void letItHappen()
+{
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 QString asNumber(const QString &text)
 {
     return QString::number(text.toDouble(), 'g', 6);
@@ -71,6 +78,7 @@ QStringList RandomUser::takeBoxes()
     for (const QString &title : titles)
         ++seen[title];
     story->boxes.clear();
+    letItHappen();
     return titles;
 }
 
@@ -194,8 +202,11 @@ void RandomUser::editProfile()
         if (taken != text.left(11))
             diary->broken(QStringLiteral("\"%1\" became the name \"%2\"").arg(text, taken));
     }
-    if (dice->chance(20))
-        enter(QStringLiteral("Profile description"), anyText(16));
+    if (dice->chance(20)) {
+        const QString text = anyText(16);
+        enter(QStringLiteral("Profile description"), text);
+        diary->note(QStringLiteral("description = ") + text);
+    }
     if (dice->chance(25))
         overrideDefaults();
     if (dice->chance(15))
@@ -239,8 +250,7 @@ void RandomUser::makeProfile()
     if (dice->chance(10)) {
         story->press(dice->pick(chemistries).toUtf8().constData());
         story->press("backButton");
-        // The former form goes in the event loop.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        letItHappen();
     }
     const QString chemistry = dice->pick(chemistries);
     diary->note(QStringLiteral("new ") + chemistry);
@@ -258,6 +268,7 @@ void RandomUser::makeProfile()
     story->press(really ? "finishButton" : "cancelButton");
     if (!QTest::qWaitFor([] { return !SuiteStory::dialog(); }, PATIENCE))
         diary->broken(QStringLiteral("the wizard stays"));
+    letItHappen();
     made += really ? 1 : 0;
     if (story->list()->count() != before + (really ? 1 : 0))
         diary->broken(QStringLiteral("the wizard made %1 rows of %2")
@@ -321,13 +332,12 @@ void RandomUser::deleteAll()
 
 void RandomUser::openInVain()
 {
-    switch (dice->below(5)) {
-    case 0: {
+    switch (dice->below(6)) {
+    case 0:
         diary->note(QStringLiteral("wizard, cancel"));
         story->press("addProfileButton");
         QTest::keyClick(SuiteStory::dialog(), Qt::Key_Escape);
         break;
-    }
     case 1: {
         diary->note(QStringLiteral("load, cancel"));
         const FileDialogAnswer none{QString()};
@@ -343,6 +353,13 @@ void RandomUser::openInVain()
     case 3:
         diary->note(QStringLiteral("about"));
         story->action("actionAbout")->trigger();
+        break;
+    case 4:
+        if (story->isConnected()) {
+            diary->note(QStringLiteral("statistics"));
+            story->action("actionAboutDevice")->trigger();
+            story->press("&OK");
+        }
         break;
     default:
         diary->note(QStringLiteral("help"));

@@ -225,6 +225,8 @@ void Soak::connectImpatiently()
     if (dice.chance(70) && button->isEnabled())
         QTest::mouseClick(button, Qt::LeftButton);
     QTest::keyClick(SuiteStory::dialog(), Qt::Key_Escape);
+    // The event loop takes the dialog away before it hears of anything else.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     if (!QTest::qWaitFor([] { return Resources::now().children == 1; }, PATIENCE))
         diary.broken(QStringLiteral("the abandoned run does not end"));
     user.takeBoxes();
