@@ -13,3 +13,6 @@ QString compilationDate();
 /// An address on the maker's web site: the site of this build, or the one that the environment
 /// variable VELANTOR_SITE names, with path (which begins with "/") behind it.
 QString siteUrl(const QString &path);
+
+/// Where on that site new software is to be had.
+QString softwareDownloadUrl();

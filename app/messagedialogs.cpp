@@ -22,11 +22,6 @@ int show(QWidget *parent, QMessageBox::Icon icon, const QString &title, const QS
     return box.exec();
 }
 
-QString downloadAddress()
-{
-    return siteUrl(QStringLiteral("/downloads/?file=VelantorProfileEditor_Linux"));
-}
-
 QString link(const QString &address, const QString &text)
 {
     return QStringLiteral("<a href = \"") + address + QStringLiteral("\">") + text +
@@ -144,7 +139,8 @@ int MessageDialogs::softwareUpdateNeeded(QWidget *parent)
 {
     return show(parent, QMessageBox::Information, tr("New Software Available!"),
                 tr("There is a new software upgrade available! Please click ") +
-                    link(downloadAddress(), tr("here")) + tr(" to download the latest version."));
+                    link(softwareDownloadUrl(), tr("here")) +
+                    tr(" to download the latest version."));
 }
 
 int MessageDialogs::currentBundleTooOld(QWidget *parent, VersionString required,
@@ -159,7 +155,7 @@ int MessageDialogs::currentBundleTooOld(QWidget *parent, VersionString required,
 int MessageDialogs::currentSoftwareTooOld(QWidget *parent, QString bundleVersion,
                                           VersionString required)
 {
-    const QString address = downloadAddress();
+    const QString address = softwareDownloadUrl();
     return show(parent, QMessageBox::Information, tr("Software Update Required"),
                 tr("Velantor Bundle v") + bundleVersion +
                     tr(" requires Velantor Software Suite v") + required.toString() +

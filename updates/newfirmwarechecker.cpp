@@ -3,6 +3,7 @@
 #include "app/applicationglobalmap.h"
 #include "app/buildinfo.h"
 #include "app/versionstring.h"
+#include "bundles/velantorbundle.h"
 
 #include <QSaveFile>
 #include <QStringList>
@@ -14,8 +15,6 @@ namespace
 {
 /// The document has a few hundred bytes.
 constexpr qint64 largestInformation = 1024 * 1024;
-/// Bundles have a few hundred kilobytes.
-constexpr qint64 largestBundle = 16 * 1024 * 1024;
 
 const QString platformName = QStringLiteral("Linux");
 const QString currentVersionTag = QStringLiteral("current_version");
@@ -60,7 +59,7 @@ void NewFirmwareChecker::downloadLatestFirmware()
             &NewFirmwareChecker::on_firmwareDownloaded);
     connect(&downloader, &FileDownloader::error, this,
             &NewFirmwareChecker::on_firmwareDownloadedError);
-    downloader.setLargestSize(largestBundle);
+    downloader.setLargestSize(VelantorBundle::longestBundle);
     downloader.startDownloading(firmwareInfo[downloadLinkTag]);
 }
 
