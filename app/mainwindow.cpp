@@ -5,6 +5,7 @@
 #include "HEXGeneratorParser/selfcheck.h"
 #include "ImportProfiles/importprofilesmain.h"
 #include "SSGenerator/generator.h"
+#include "app/configfile.h"
 #include "app/filenames.h"
 #include "app/messagedialogs.h"
 #include "app/panelayout.h"
@@ -20,9 +21,13 @@
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
 #include "ui_mainwindow.h"
+#include "updates/newfirmwarechecker.h"
+#include "updates/newfirmwarecheckermanager.h"
+#include "updates/updatecheckerdialog.h"
 #include "xml/xmlmanager.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
@@ -30,11 +35,15 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPalette>
 #include <QPointer>
 #include <QResizeEvent>
 #include <QStyle>
+#include <QThread>
+#include <QTimer>
 
+#include <chrono>
 #include <cstdlib>
 
 namespace
@@ -53,6 +62,17 @@ QWidget *expandingSpacer(QWidget *parent)
     auto *widget = new QWidget(parent);
     widget->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     return widget;
+}
+
+/// Checks for a newer bundle, and fetches it, in front of the user; returns when that is over.
+void fetchNewBundle(QWidget *parent)
+{
+    using NewFirmwareChecker::UpdateCheckerDialog;
+    auto *dialog = new UpdateCheckerDialog(parent);
+    QEventLoop loop;
+    QObject::connect(dialog, &UpdateCheckerDialog::destroyed, &loop, &QEventLoop::quit);
+    dialog->checkForNewBundle();
+    loop.exec();
 }
 
 /// The sheet of the tool bar writes what is disabled black, which needs a light ground on every
@@ -77,7 +97,7 @@ MainWindow::MainWindow(QWidget *parent)
     WorkingFiles::unpackTools();
     WorkingFiles::unpackDefaultProfiles();
 
-    bundleManager = std::make_unique<VelantorBundleManager>(this);
+    bundleManager = std::make_unique<VelantorBundleManager>(this, fetchNewBundle);
     bundleManager->extractLatestValidBundle();
     installationChecks();
     startupChecksPassed = true;
@@ -97,10 +117,11 @@ MainWindow::MainWindow(QWidget *parent)
     connectManagers();
     extraUIAdditions();
     connectActions();
-    hideWhatIsNotThereYet();
     if (QCoreApplication::arguments().contains(QStringLiteral("-f")))
         runFirmwareToolAlone();
     resize(size());
+    // When the event loop runs, the window is there, and what comes up comes up over it.
+    QTimer::singleShot(0, this, &MainWindow::readConfigFile);
 }
 
 MainWindow::~MainWindow()
@@ -164,6 +185,8 @@ void MainWindow::createManagers()
     hexManager =
         new HEXGeneratorParser::HEXManager(this, ui->profileNamesList, generator, importer, this);
     uploadDownload = new UploadDownload::UploadDownloadManager(hexManager, this);
+    configFile = new ConfigFile(this);
+    firmwareCheckerManager = new NewFirmwareChecker::NewFirmwareCheckerManager(this);
     hardwareDropdown = new HardwareDropdown(generator, this);
 }
 
@@ -174,6 +197,7 @@ void MainWindow::connectManagers()
     using HParser::Generator;
     using ImportProfiles::ImportProfilesMain;
     using List = ProfileNamesListManager;
+    using NewFirmwareChecker::NewFirmwareCheckerManager;
     using UploadDownload::UploadDownloadManager;
     using XMLGeneratorParser::XMLManager;
 
@@ -247,6 +271,10 @@ void MainWindow::connectManagers()
     connect(uploadDownload, &UploadDownloadManager::unitSettingsRead, settingsPane,
             &SettingsPaneManager::saveUnitSettingsBackup);
 
+    connect(configFile, &ConfigFile::parsed, this, &MainWindow::checkForUpdates);
+    connect(firmwareCheckerManager, &NewFirmwareCheckerManager::newBundle, this,
+            &MainWindow::reloadBundle);
+
     connect(hardwareDropdown, &HardwareDropdown::newLimits, listManager,
             &List::deleteAllOutOfBoundsProfiles);
 }
@@ -315,6 +343,7 @@ void MainWindow::setModelLabelFont()
 /// Receivers of one sender run in the order of these lines.
 void MainWindow::connectActions()
 {
+    using NewFirmwareChecker::NewFirmwareCheckerManager;
     using UploadDownload::UploadDownloadManager;
 
     connect(ui->actionExportXMLProfiles, &QAction::triggered, this, &MainWindow::exportProfilesXML);
@@ -355,15 +384,77 @@ void MainWindow::connectActions()
             &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
     connect(ui->deleteAllProfiles, &QPushButton::clicked, listManager,
             &ProfileNamesListManager::deleteAllProfilesAskConfirmation);
+    connect(ui->actionChangeAutoUpdates, &QAction::triggered, configFile, &ConfigFile::editFile);
+    connect(ui->actionCheckNewFirmware, &QAction::triggered, firmwareCheckerManager,
+            &NewFirmwareCheckerManager::on_checkFirmwareButtonPressed);
+    connect(ui->actionCheckNewSoftware, &QAction::triggered, firmwareCheckerManager,
+            &NewFirmwareCheckerManager::onCheckForSoftwareUpdates);
 }
 
-/// Updates have their places in the form but no manager yet: what would lead to them is out of
-/// reach.
-void MainWindow::hideWhatIsNotThereYet()
+void MainWindow::readConfigFile()
 {
-    for (QAction *action :
-         {ui->actionCheckNewFirmware, ui->actionCheckNewSoftware, ui->actionChangeAutoUpdates})
-        action->setEnabled(false);
+    configFile->readFile();
+}
+
+void MainWindow::checkForUpdates()
+{
+    if (!configFile->isAuto())
+        return;
+    using NewFirmwareChecker::NewFirmwareChecker;
+    if (firmwareChecker) {
+        // Two checks at a time would ask twice.
+        firmwareChecker->disconnect(this);
+        firmwareChecker->cancel();
+        firmwareChecker->deleteLater();
+    }
+    firmwareChecker = new NewFirmwareChecker(this);
+    connect(firmwareChecker, &NewFirmwareChecker::infoDownloaded, this, &MainWindow::newUpdateInfo);
+    connect(firmwareChecker, &NewFirmwareChecker::firmwareDownloaded, this,
+            &MainWindow::newFirmware);
+    connect(firmwareChecker, &NewFirmwareChecker::error, this,
+            &MainWindow::errorDownloadingUpdates);
+    firmwareChecker->downloadXMLInfo();
+}
+
+void MainWindow::newUpdateInfo()
+{
+    if (firmwareChecker->isSoftwareUpdate())
+        MessageDialogs::softwareUpdateNeeded(this);
+    if (!firmwareChecker->downloadNeeded())
+        return;
+    QMessageBox box(QMessageBox::Question, tr("New Firmware!"),
+                    tr("There is a new version of firmware available! Would you like to download "
+                       "it?"),
+                    QMessageBox::Yes | QMessageBox::No, this);
+    if (box.exec() == QMessageBox::Yes)
+        firmwareChecker->downloadLatestFirmware();
+}
+
+void MainWindow::newFirmware()
+{
+    MessageDialogs::firmwareDownloaded(this);
+    reloadBundleWhenIdle();
+}
+
+void MainWindow::errorDownloadingUpdates()
+{
+    QMessageBox box(QMessageBox::Warning, tr("Error!"),
+                    tr("There was an error while attempting to check for and download updates! "
+                       "Check your internet connection or try again later."),
+                    QMessageBox::Ok, this);
+    box.exec();
+}
+
+/// A download can end while a file is loaded, the charger is read or written, or its firmware is
+/// flashed. All that uses the schema or the files of the bundle, and all of it has a modal window
+/// in front or an event loop of its own.
+void MainWindow::reloadBundleWhenIdle()
+{
+    using namespace std::chrono_literals;
+    if (QApplication::activeModalWidget() || QThread::currentThread()->loopLevel() > 1)
+        QTimer::singleShot(100ms, this, &MainWindow::reloadBundleWhenIdle);
+    else
+        reloadBundle();
 }
 
 void MainWindow::reloadBundle()

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+class ConfigFile;
 class HardwareDropdown;
 class PaneLayout;
 class ProfileNamesListManager;
@@ -28,6 +29,11 @@ namespace ImportProfiles
 {
 class ImportProfilesMain;
 }
+namespace NewFirmwareChecker
+{
+class NewFirmwareChecker;
+class NewFirmwareCheckerManager;
+} // namespace NewFirmwareChecker
 namespace Ui
 {
 class MainWindow;
@@ -69,6 +75,16 @@ signals:
     void masterConnectVelantorSignal();
 
 public slots:
+    /// Reads whether updates are looked for, or asks the user.
+    void readConfigFile();
+    /// Begins a check on the maker's site, in place of one that is under way; nothing where the
+    /// user wants none.
+    void checkForUpdates();
+    /// Tells of new software and offers a new bundle, as the check has found.
+    void newUpdateInfo();
+    /// Tells that a bundle was fetched, and takes it into use as soon as nothing else goes on.
+    void newFirmware();
+    void errorDownloadingUpdates();
     /// Takes the newest usable bundle into use again.
     void reloadBundle();
 
@@ -108,19 +124,22 @@ private:
     void extraUIAdditions();
     void setModelLabelFont();
     void connectActions();
-    void hideWhatIsNotThereYet();
+    void reloadBundleWhenIdle();
     FirmwareTool::VelantorFirmwareToolWindow *openFirmwareTool();
     [[noreturn]] void runFirmwareToolAlone();
 
     std::unique_ptr<Ui::MainWindow> ui;
     std::unique_ptr<PaneLayout> panes;
     QLabel *modelLabel = nullptr;
+    /// The latest check that was not asked for.
+    NewFirmwareChecker::NewFirmwareChecker *firmwareChecker = nullptr;
     ProfileNamesListManager *listManager = nullptr;
     SettingsPaneManager *settingsPane = nullptr;
     ImportProfiles::ImportProfilesMain *importer = nullptr;
     XMLGeneratorParser::XMLManager *xmlManager = nullptr;
     HEXGeneratorParser::HEXManager *hexManager = nullptr;
     UploadDownload::UploadDownloadManager *uploadDownload = nullptr;
+    NewFirmwareChecker::NewFirmwareCheckerManager *firmwareCheckerManager = nullptr;
     std::unique_ptr<VelantorBundleManager> bundleManager;
     HardwareDropdown *hardwareDropdown = nullptr;
     HParser::Generator *generator = nullptr;
@@ -134,4 +153,5 @@ private:
     bool unitSettingsAvailable = false;
     /// The state of the connection as last told.
     bool velantorIsConnected = false;
+    ConfigFile *configFile = nullptr;
 };

@@ -44,6 +44,7 @@ class Story:
         print_profiles(before)
 
         self.tell("Start the suite")
+        self.desk.choose_updates(automatic=False)
         suite = self.suite = MainWindow(self.desk)
         self.picture("start")
 

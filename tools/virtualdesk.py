@@ -360,6 +360,13 @@ class Desk:
         process = self.start(command, stdout=subprocess.PIPE, stderr=None)
         return Charger(process, control, self.folder)
 
+    def choose_updates(self, automatic):
+        """Answers in advance what the suite asks at its first start."""
+        working = self.folder / "data" / "velantor-suite"
+        working.mkdir(parents=True, exist_ok=True)
+        value = "true" if automatic else "false"
+        (working / "config.txt").write_text("automatic_updates %s\n" % value, encoding="ascii")
+
     def open_suite(self):
         """Starts the suite and returns its window once it is painted."""
         log = open(self.folder / "suite.log", "wb")

@@ -3,6 +3,7 @@
 #include "app/filenames.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
+#include "support/updatepreference.h"
 
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
@@ -31,6 +32,7 @@ SuiteStory::SuiteStory()
     QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime));
     qputenv("XDG_DATA_HOME", QFile::encodeName(home.filePath(QStringLiteral("data"))));
+    chooseManualUpdates();
 }
 
 SuiteStory::~SuiteStory()

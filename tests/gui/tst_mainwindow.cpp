@@ -14,6 +14,7 @@
 #include "profiles/profilesettings.h"
 #include "support/filedialoganswer.h"
 #include "support/messageboxanswers.h"
+#include "support/updatepreference.h"
 
 #include <QAction>
 #include <QApplication>
@@ -119,7 +120,6 @@ private slots:
     void flashedFirmwareReloadsTheBundle();
     void afterAFlashTheChargerIsResetThenTold();
     void theFirmwareToolMayAskForAConnect();
-    void whatIsNotThereYetIsOutOfReach();
     void thePaneIsEmptyAtFirst();
     void theDeviceButtonShowsAndHidesThePage();
     void rowsComeIntoThePane();
@@ -185,6 +185,7 @@ void MainWindowTest::init()
 {
     home = std::make_unique<QTemporaryDir>();
     qputenv("XDG_DATA_HOME", home->path().toUtf8());
+    chooseManualUpdates();
     window = std::make_unique<MainWindow>();
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
@@ -936,14 +937,6 @@ void MainWindowTest::theFirmwareToolMayAskForAConnect()
     window->on_flashFirmware();
     emit firmwareTool()->connectVelantorSignalFT();
     QCOMPARE(asked.count(), 1);
-}
-
-void MainWindowTest::whatIsNotThereYetIsOutOfReach()
-{
-    emit manager()->settingsRead(true);
-    for (const char *name :
-         {"actionCheckNewFirmware", "actionCheckNewSoftware", "actionChangeAutoUpdates"})
-        QVERIFY2(!action(name)->isEnabled(), name);
 }
 
 void MainWindowTest::thePaneIsEmptyAtFirst()

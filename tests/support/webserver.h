@@ -43,6 +43,8 @@ public:
     /// Until told otherwise a path does not exist.
     void setAnswer(const QString &path, const Answer &answer);
     QList<Request> requests();
+    /// Sends what is held.
+    void release() { tell("{\"release\": true}"); }
     /// Forgets the answers and the requests.
     void forget() { tell("{\"forget\": true}"); }
     /// How often a path was asked for.

@@ -11,6 +11,8 @@ Prints its port. Then each line of standard input is a command in JSON, answered
         how to answer a GET of PATH from now on
     {}  the requests so far: [{"path": ..., "agent": ..., "state": ..., "sent": BYTES}], where the
         state is "open", "answered" or "left" by the client
+    {"release": true}
+        what is held is sent
     {"forget": true}
         all of that is forgotten
 
@@ -18,6 +20,7 @@ HOW is one of
     whole     all of it
     cut       the size of all of it and half of it, then the connection is closed
     chunks    half of it in a chunk with others to follow, then the connection is closed
+    hold      all of it, though not before it is released
     stall     the size of all of it and half of it, then nothing more
     silent    not a byte
     close     the connection is closed at once
@@ -41,6 +44,7 @@ class Site:
         self.lock = threading.Lock()
         self.answers = {}
         self.requests = []
+        self.released = threading.Event()
 
     def tell(self, command):
         with self.lock:
@@ -48,6 +52,10 @@ class Site:
                 return self.requests
             if "forget" in command:
                 self.answers, self.requests = {}, []
+                self.released = threading.Event()
+                return []
+            if "release" in command:
+                self.released.set()
                 return []
             self.answers[command["path"]] = command
             return []
@@ -82,6 +90,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             return
         if how == "silent":
             self.wait_for_leaving()
+        if how == "hold":
+            self.site.released.wait()
         self.send_response(answer["status"])
         for name, value in answer.get("headers", {}).items():
             self.send_header(name, value)
