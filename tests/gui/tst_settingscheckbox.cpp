@@ -3,6 +3,9 @@
 #include "editors/settingscheckbox.h"
 #include "support/schemarecord.h"
 
+#include <QApplication>
+#include <QImage>
+#include <QPalette>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -26,6 +29,7 @@ private slots:
     void enablesWithTheSetting();
     void bindsAnew();
     void outlivesItsSetting();
+    void isLightOnDarkDesktops();
 
 private:
     std::unique_ptr<HParser::StructSettings> record;
@@ -127,6 +131,30 @@ void SettingsCheckBoxTest::outlivesItsSetting()
     record.reset();
     box->click();
     QVERIFY(!box->getSetting());
+}
+
+void SettingsCheckBoxTest::isLightOnDarkDesktops()
+{
+    const QPalette before = QApplication::palette();
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QApplication::setPalette(QPalette(QColor(40, 40, 40), QColor(30, 30, 30)));
+    box = std::make_unique<SettingsCheckBox>();
+    box->bindSetting(setting);
+    // What is lightest and what is darkest in the middle of the box.
+    const auto greys = [this] {
+        const QImage shown = box->grab().toImage();
+        const int middle = shown.height() / 2;
+        QPair<int, int> found(0, 255);
+        for (int x = middle - 4; x <= middle + 4; ++x) {
+            const int grey = qGray(shown.pixel(x, middle));
+            found = {qMax(found.first, grey), qMin(found.second, grey)};
+        }
+        return found;
+    };
+    QVERIFY(greys().first > 200);
+    box->click();
+    QVERIFY(greys().first - greys().second > 150); // and its mark stands out
+    QApplication::setPalette(before);
 }
 
 QTEST_MAIN(SettingsCheckBoxTest)

@@ -1444,6 +1444,12 @@ void SettingsPaneManagerTest::namesAreNotClipped()
     QVERIFY(name->font().bold());
     QVERIFY(name->font().pointSize() > desk->window.font().pointSize());
     QVERIFY(name->fontMetrics().height() + 4 <= name->height());
+    const QLineEdit *description = desk->ui.profileSettingsDescription;
+    QVERIFY(description->font().pointSize() > desk->window.font().pointSize());
+    QVERIFY(description->font().pointSize() < name->font().pointSize());
+    QVERIFY(description->fontMetrics().height() + 4 <= description->height());
+    QVERIFY(description->fontMetrics().horizontalAdvance(QStringLiteral("To work & back")) + 8 <=
+            description->width());
     QVERIFY(name->fontMetrics().horizontalAdvance(QStringLiteral("Cargo bike 2")) + 8 <=
             name->width());
     desk->press(desk->ui.viewDeviceSettings);

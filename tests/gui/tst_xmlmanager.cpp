@@ -376,7 +376,13 @@ void XMLManagerTest::unreadableFile()
     folder->write("a.xml", inFile(profile(0, "one")));
     load("a.xml");
     QSignalSpy deleted(manager.get(), &XMLManager::deleteAllProfiles);
+    bool pointer = true;
+    user->push([&](QMessageBox *box) {
+        pointer = QApplication::overrideCursor();
+        box->accept();
+    });
     load(file);
+    QVERIFY(!pointer); // nobody waits for anything while the box is read
     QCOMPARE(user->titles(), QStringList("Import from XML status"));
     QCOMPARE(user->seen().first().text,
              QString("Failed to read the XML file specified. Please try again."));
