@@ -5,6 +5,8 @@
 #include "SSGenerator/structsettings.h"
 #include "support/capturedoutput.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using HEXGeneratorParser::HexUtility;
@@ -53,6 +55,8 @@ private slots:
     void bitsThatFillNoByte();
     void profilesAllowed_data();
     void profilesAllowed();
+    void everyElementTakesRoom_data();
+    void everyElementTakesRoom();
 };
 
 void HexUtilityTest::byteCount_data()
@@ -285,6 +289,47 @@ void HexUtilityTest::profilesAllowed()
     generator.parseSSFile(schemaFile(QTest::currentDataTag()));
     QCOMPARE(HexUtility::numProfilesAllowed(&generator), expected);
     generator.setUnitStatsExists(true);
+    QCOMPARE(HexUtility::numProfilesAllowed(&generator), expected);
+}
+
+void HexUtilityTest::everyElementTakesRoom_data()
+{
+    QTest::addColumn<QString>("element");
+    QTest::addColumn<int>("expected");
+    // 60 bytes more make 80 of the image. The page has room for 17 profiles of 112 and 48 over.
+    QTest::newRow("Global settings") << QStringLiteral("global_settings") << 16;
+    QTest::newRow("Global stats") << QStringLiteral("global_stats") << 16;
+    QTest::newRow("Version") << QStringLiteral("version") << 16;
+    QTest::newRow("Page counter") << QStringLiteral("page_counter") << 16;
+    QTest::newRow("Hardware Version") << QStringLiteral("hardwareVersion") << 16;
+    QTest::newRow("Barcode") << QStringLiteral("barcode") << 16;
+    // 1952 / (148 + 44), 1952 / (140 + 44), 1952 / (136 + 44) and 1952 / (68 + 124)
+    QTest::newRow("Nickel") << QStringLiteral("chemistry_nickel") << 10;
+    QTest::newRow("Lithium") << QStringLiteral("chemistry_lithium") << 10;
+    QTest::newRow("Lead") << QStringLiteral("chemistry_lead") << 10;
+    QTest::newRow("Profile stats") << QStringLiteral("profile_stats") << 10;
+}
+
+void HexUtilityTest::everyElementTakesRoom()
+{
+    QFETCH(QString, element);
+    QFETCH(int, expected);
+    QFile master(schemaFile("master.ss"));
+    QVERIFY(master.open(QIODevice::ReadOnly));
+    QByteArray schema = master.readAll();
+    const int head = schema.indexOf("struct " + element.toLatin1() + " {");
+    QVERIFY(head >= 0);
+    schema.insert(
+        schema.indexOf("    unsigned char checksum;", head),
+        "    char more[60]; // string, auto, \"more\", \"not displayed\", \"\", -1, basic\n");
+
+    const QTemporaryDir folder;
+    QFile wide(folder.filePath(QStringLiteral("wide.ss")));
+    QVERIFY(wide.open(QIODevice::WriteOnly));
+    wide.write(schema);
+    wide.close();
+    HParser::Generator generator;
+    generator.parseSSFile(wide.fileName());
     QCOMPARE(HexUtility::numProfilesAllowed(&generator), expected);
 }
 

@@ -98,6 +98,7 @@ private slots:
     void structOfAType();
     void structOfATypeWithoutHardware();
     void hardwareTypesAreCurrentValues();
+    void firstStructOfATypeCounts();
 
     void elements_data();
     void elements();
@@ -278,6 +279,36 @@ void ReadFromHEXTest::hardwareTypesAreCurrentValues()
     QCOMPARE(ReadFromHEX::getProfileFromType(&other, 18), other.getHardwareVersionStruct());
 }
 
+void ReadFromHEXTest::firstStructOfATypeCounts()
+{
+    QFile original(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/master.ss"));
+    QVERIFY(original.open(QIODevice::ReadOnly));
+    QString schema = QString::fromUtf8(original.readAll());
+    QStringList order{q("Global settings"), q("Global stats"),     q("Page counter"), q("Version"),
+                      q("Profile stats"),   q("Hardware Version"), q("Barcode")};
+    for (const StructSettings *chemistry : generator.getChemistrySettings())
+        order.append(chemistry->getDescriptiveName());
+    QCOMPARE(order.size(), 10);
+
+    // All structs claim a type at first, then all but the first, and so on.
+    const QString type = q("num, auto, %1, %1, *1, 0, \"type\", \"not displayed\", \"type\", %1,");
+    for (const int number : {3, 4, 5, 6, 7, 8, 9, 10, 16, 17})
+        schema.replace(type.arg(number), type.arg(99));
+    for (int i = 0; i < order.size(); ++i) {
+        directory->write(q("same.ss"), schema.toUtf8());
+        HParser::Generator same;
+        same.parseSSFile(directory->path() + q("/same.ss"));
+        const StructSettings *found = ReadFromHEX::getProfileFromType(&same, 99);
+        QVERIFY2(found, qPrintable(order.at(i)));
+        QCOMPARE(found->getDescriptiveName(), order.at(i));
+
+        const int head = schema.indexOf(QLatin1Char('"') + order.at(i) + QLatin1Char('"'));
+        const int place = schema.indexOf(type.arg(99), head);
+        QVERIFY(head >= 0 && place > head);
+        schema.replace(place, type.arg(99).size(), type.arg(100 + i));
+    }
+}
+
 void ReadFromHEXTest::elements_data()
 {
     QTest::addColumn<QByteArray>("dataBytes");
@@ -429,6 +460,9 @@ void ReadFromHEXTest::silentPageIsOutdated()
 {
     // Data elsewhere only: the page's own bytes stay zero.
     QCOMPARE(codeOf(FlashPage().add(pageCounter).toHex(0x100)), std::optional<int>(4));
+    // Also where the data end exactly at its beginning.
+    QCOMPARE(codeOf(FlashPage().add(pageCounter).toHex(wordAddress - 0x400)),
+             std::optional<int>(4));
 }
 
 void ReadFromHEXTest::blankWordEndsTheLog()
