@@ -127,6 +127,7 @@ private slots:
     void writesOneRow();
     void skipsBlankRows();
     void upperAddressChanges();
+    void upperAddressChangesWithItsDivisor();
     void writesTheBegunRow();
     void lineStepSmallerThanALine();
     void refusesAddressesWithoutUpperBytes_data();
@@ -414,6 +415,17 @@ void HexFileTest::upperAddressChanges()
     QVERIFY(text.contains("\n:020000040001F9\n:10000000"));
     QVERIFY(text.contains("\n:10010000"));
     QVERIFY(text.contains("\n:020000040002F8\n:10000000"));
+}
+
+void HexFileTest::upperAddressChangesWithItsDivisor()
+{
+    // The first row begins at 65279, the second at 65535.
+    std::vector<unsigned char> image = blankImage(0x300);
+    image[0] = image[0x100] = 0x12;
+    const QByteArray text = written(image, 0x200, 65279);
+    QVERIFY(text.startsWith(":020000040000FA\n:10FEFF00"));
+    QVERIFY(text.contains("\n:020000040001F9\n:10FFFF00"));
+    QCOMPARE(text.count(":02000004"), 2);
 }
 
 void HexFileTest::writesTheBegunRow()

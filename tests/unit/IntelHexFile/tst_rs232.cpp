@@ -1,5 +1,6 @@
 #include "IntelHexFile/rs232.h"
 #include "support/capturedoutput.h"
+#include "support/inchild.h"
 #include "support/linepeer.h"
 
 #include <QtTest>
@@ -39,6 +40,8 @@ private slots:
     void portNumbers();
     void failingToOpen_data();
     void failingToOpen();
+    void neverWaitsForTheLine();
+    void takesNoControllingTerminal();
     void sendsAndPolls();
     void closedPort();
     void closeLeavesTheSettings();
@@ -138,6 +141,38 @@ void Rs232Test::failingToOpen()
     QFETCH(QByteArray, path);
     QCOMPARE(OpenComport(0, 9600, path.constData()), 1);
     QCOMPARE(SendByte(0, 1), 1);
+}
+
+void Rs232Test::neverWaitsForTheLine()
+{
+    LinePeer peer;
+    QCOMPARE(OpenComport(0, 9600, peer.path().constData()), 0);
+    // The peer holds its own line open as well.
+    int found = 0;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) {
+        char name[64] = {};
+        const int flags = fcntl(descriptor, F_GETFL);
+        if (flags == -1 || !(flags & O_NONBLOCK) || ttyname_r(descriptor, name, sizeof name) != 0 ||
+            peer.path() != name)
+            continue;
+        QCOMPARE(flags & O_ACCMODE, O_RDWR);
+        QVERIFY(fcntl(descriptor, F_GETFD) & FD_CLOEXEC);
+        ++found;
+    }
+    CloseComport(0);
+    QCOMPARE(found, 1);
+}
+
+void Rs232Test::takesNoControllingTerminal()
+{
+    LinePeer peer;
+    // A session without a terminal would get the first one that it opens without care.
+    const int result = inChild([&peer] {
+        if (setsid() == -1 || OpenComport(0, 9600, peer.path().constData()) != 0)
+            return 2;
+        return open("/dev/tty", O_RDWR) == -1 ? 0 : 1;
+    });
+    QCOMPARE(result, 0);
 }
 
 void Rs232Test::sendsAndPolls()
