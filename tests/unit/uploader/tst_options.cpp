@@ -236,6 +236,7 @@ void OptionsTest::complaints_data()
     const QByteArray output("\nPlease enter a valid output filename!");
     const QByteArray flash("\nPlease specify a filename to flash!");
     const QByteArray baud("\nPlease enter a decimal maximum baud rate!");
+    const QByteArray version("\nPlease enter a valid bootloader version, i.e. 02F0!");
     const QByteArray passes("\nPlease enter a decimal number of passes for test!");
     const QByteArray noPort(
         "\nPlease specify a serial port, with \"-s x\" where x is the port name "
@@ -271,6 +272,13 @@ void OptionsTest::complaints_data()
     QTest::newRow("-M with a rest") << QByteArray("-s p -M 9600bd") << baud;
     QTest::newRow("-M 0") << QByteArray("-s p -M 0") << baud;
     QTest::newRow("-M far too high") << QByteArray("-s p -M 99999999999999999999") << baud;
+    QTest::newRow("-M above the numbers of a rate") << QByteArray("-s p -M 2147483648") << baud;
+    QTest::newRow("-B without version") << QByteArray("-s p -B") << version;
+    QTest::newRow("-B no number") << QByteArray("-s p -B 02G0") << version;
+    QTest::newRow("-B too short") << QByteArray("-s p -B 2F0") << version;
+    QTest::newRow("-B too long") << QByteArray("-s p -B 0002F0") << version;
+    QTest::newRow("-B with 0x") << QByteArray("-s p -B 0x02F0") << version;
+    QTest::newRow("-g 0") << QByteArray("-s p -g 0") << passes;
     QTest::newRow("-g without number") << QByteArray("-s p -g") << passes;
     QTest::newRow("-g no number") << QByteArray("-s p -g x") << passes;
     QTest::newRow("read and write") << QByteArray("-s p -r a.hex -w b.hex") << readWrite;

@@ -123,6 +123,7 @@ private slots:
     void firmwareIsWrittenInChunks();
     void cutsAtTheEndOfFlash_data();
     void cutsAtTheEndOfFlash();
+    void writesUpToTheEndOfFlash();
     void writesARange();
     void reads_data();
     void reads();
@@ -136,6 +137,8 @@ private slots:
     void failedWriteLeavesTheEeprom();
     void eeprom();
     void resets();
+    void doesItsStepsInOrder();
+    void showsABootSequenceOfAnUnknownVersion();
     void probesPorts();
     void capturesTheLine();
     void throughput();
@@ -143,6 +146,7 @@ private slots:
 private:
     struct Run {
         QByteArray printed;
+        QByteArray errors;
         int status;
     };
 
@@ -176,7 +180,7 @@ VexaTest::Run VexaTest::vexa(const QList<QByteArray> &arguments) const
     const QByteArray printed = process.readAllStandardOutput();
     if (!printed.startsWith(banner))
         qFatal("no banner: %s", printed.constData());
-    return {printed.mid(banner.size()), process.exitCode()};
+    return {printed.mid(banner.size()), process.readAllStandardError(), process.exitCode()};
 }
 
 VexaTest::Run VexaTest::onCharger(const QList<QByteArray> &arguments) const
@@ -218,6 +222,12 @@ void VexaTest::portCannotBeOpened()
     const Run run = vexa({"-s", "/dev/there-is-no-such-port", "-h", "-V"});
     QCOMPARE(run.printed, QByteArray("Can not open comport"));
     QCOMPARE(run.status, 1);
+
+    const Run noTerminal = vexa({"-s", "/dev/null", "-h", "-V"});
+    QCOMPARE(noTerminal.printed, QByteArray("Can not open comport"));
+    QVERIFY2(noTerminal.errors.startsWith("unable to read portsettings on port "),
+             noTerminal.errors.constData());
+    QCOMPARE(noTerminal.status, 1);
 
     const Run badRate = vexa({"-s", charger->path(), "-M", "1234"});
     QCOMPARE(badRate.printed, QByteArray("invalid baudrateCan not open comport"));
@@ -298,39 +308,54 @@ void VexaTest::secondOpeningFails()
 
 void VexaTest::uselessRecords_data()
 {
-    QTest::addColumn<int>("field");
-    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<Record>("record");
     QTest::addColumn<QByteArray>("printed");
-    QTest::newRow("word size") << 9 << QByteArray("0")
-                               << QByteArray("Flash Word size cannot be 0!");
-    QTest::newRow("row size") << 8 << QByteArray("0") << QByteArray("Flash Row size cannot be 0!");
-    QTest::newRow("page size") << 7 << QByteArray("0")
-                               << QByteArray("Flash Page size cannot be 0!");
+    QTest::newRow("word size") << Record{{9, "0"}} << QByteArray("Flash Word size cannot be 0!");
+    QTest::newRow("row size") << Record{{8, "0"}} << QByteArray("Flash Row size cannot be 0!");
+    QTest::newRow("page size") << Record{{7, "0"}} << QByteArray("Flash Page size cannot be 0!");
     QTest::newRow("verify row size")
-        << 11 << QByteArray("0") << QByteArray("Flash Verify row size cannot be 0!");
+        << Record{{11, "0"}} << QByteArray("Flash Verify row size cannot be 0!");
     QTest::newRow("row larger than the image")
-        << 8 << QByteArray("0x030100") << QByteArray("Flash Row size cannot exceed the image!");
+        << Record{{8, "0x030100"}} << QByteArray("Flash Row size cannot exceed the image!");
     QTest::newRow("no number for a row")
-        << 8 << QByteArray("many") << QByteArray("Flash Row size cannot exceed the image!");
+        << Record{{8, "many"}} << QByteArray("Flash Row size cannot exceed the image!");
     QTest::newRow("filler longer than its value")
-        << 13 << QByteArray("5") << QByteArray("Flash Filler byte size cannot exceed 4!");
+        << Record{{13, "5"}} << QByteArray("Flash Filler byte size cannot exceed 4!");
     QTest::newRow("row shorter than a line")
-        << 8 << QByteArray("0x0F") << QByteArray("Flash Row size cannot be below 16!");
+        << Record{{8, "0x0F"}} << QByteArray("Flash Row size cannot be below 16!");
     QTest::newRow("flash ends below the bootloader")
-        << 3 << QByteArray("0x0800")
+        << Record{{3, "0x0800"}}
         << QByteArray("Flash end address cannot lie inside the bootloader!");
-    QTest::newRow("name") << 2 << QByteArray(30, 'x')
+    QTest::newRow("name") << Record{{2, QByteArray(30, 'x')}}
                           << QByteArray("\nDevice name in entry for version v0106: is too long!");
     QTest::newRow("EEPROM without rows")
-        << 22 << QByteArray("0x10") << QByteArray("EEPROM Row size cannot be 0 if eeprom exists!");
+        << Record{{22, "0x10"}} << QByteArray("EEPROM Row size cannot be 0 if eeprom exists!");
+    const auto eepromWith = [](int field, const char *value) {
+        Record record = eepromFields();
+        record[field] = value;
+        return record;
+    };
+    QTest::newRow("EEPROM without addresses")
+        << eepromWith(17, "0") << QByteArray("EEPROM Address size cannot be 0 if eeprom exists!");
+    QTest::newRow("EEPROM without verify rows")
+        << eepromWith(19, "0")
+        << QByteArray("EEPROM Verify row size cannot be 0 if eeprom exists!");
+    QTest::newRow("EEPROM without filler")
+        << eepromWith(21, "0")
+        << QByteArray("EEPROM Filler byte size cannot be 0 if eeprom exists!");
+    QTest::newRow("EEPROM filler longer than its value")
+        << eepromWith(21, "5") << QByteArray("EEPROM Filler byte size cannot exceed 4!");
+    QTest::newRow("EEPROM row larger than the image")
+        << eepromWith(18, "0x1001") << QByteArray("EEPROM Row size cannot exceed the image!");
+    QTest::newRow("EEPROM verify row larger than the image")
+        << eepromWith(19, "0x1001") << QByteArray("EEPROM Row size cannot exceed the image!");
 }
 
 void VexaTest::uselessRecords()
 {
-    QFETCH(int, field);
-    QFETCH(QByteArray, value);
+    QFETCH(Record, record);
     QFETCH(QByteArray, printed);
-    folder->write(QStringLiteral("device.txt"), deviceTable({{field, value}}));
+    folder->write(QStringLiteral("device.txt"), deviceTable(record));
     const Run run = onCharger({"-r", "out.hex"});
     QCOMPARE(run.printed, versionLine + printed);
     QCOMPARE(run.status, 1);
@@ -481,6 +506,19 @@ void VexaTest::cutsAtTheEndOfFlash()
     QCOMPARE(charger->payloads(), QList<QByteArray>{hex("0002")});
 }
 
+void VexaTest::writesUpToTheEndOfFlash()
+{
+    folder->write(QStringLiteral("device.txt"), deviceTable({{3, "0x9C00"}}));
+    folder->write(QStringLiteral("in.hex"), ":020000040001F9\n:0437FC00FD000300C9\n:00000001FF\n");
+    const Run run = onCharger({"-w", "in.hex"});
+    QVERIFY2(run.printed.startsWith(versionLine + loadedTexts +
+                                    "\nNow writing from c00 to 9c00 word address\n"),
+             run.printed.constData());
+    QCOMPARE(run.status, 0);
+    QCOMPARE(charger->payloads().size(), 2);
+    QCOMPARE(charger->payloads().at(1).left(5), hex("0201809B00"));
+}
+
 void VexaTest::writesARange()
 {
     folder->write(QStringLiteral("in.hex"), smallImage);
@@ -488,6 +526,13 @@ void VexaTest::writesARange()
     QCOMPARE(one.status, 0);
     QCOMPARE(charger->payloads().size(), 2);
     QCOMPARE(charger->payloads().at(1).left(5), hex("0201800C00"));
+
+    // Exactly what can be written is nothing to cut.
+    const Run all = onCharger({"-W", "0x0C00", "0xA000", "in.hex"});
+    QVERIFY2(all.printed.startsWith(versionLine + loadedTexts +
+                                    "\nNow writing from c00 to a000 word address\n"),
+             all.printed.constData());
+    QCOMPARE(all.status, 0);
 
     const Run clipped = onCharger({"-W", "0x0000", "0x0B0000", "in.hex"});
     QVERIFY2(clipped.printed.startsWith(
@@ -678,6 +723,10 @@ void VexaTest::eeprom()
     QCOMPARE(read.status, 0);
     const QByteArray text = folder->read(QStringLiteral("out.hex"));
     QVERIFY2(text.contains("\n:020000040002F8\n:10000000FFFF0203"), text.constData());
+    // All 16 bytes that it has, and no more.
+    QCOMPARE(charger->payloads().mid(charger->payloads().size() - 5),
+             (QList<QByteArray>{hex("0140809F00"), hex("0402000000"), hex("0402020000"),
+                                hex("0402040000"), hex("0402060000")}));
 
     // A range reads the rows of the EEPROM that lie in it: word 0x10001 is image byte 0x20002.
     const int before = charger->payloads().size();
@@ -694,6 +743,31 @@ void VexaTest::resets()
     QVERIFY(charger->waitForBytes(12).endsWith(hex("555500000004")));
 }
 
+void VexaTest::doesItsStepsInOrder()
+{
+    // Whatever the order of the options, the charger is erased first and reset last.
+    const Run run =
+        onCharger({"-R", "-l", "0x9C00", "0x9C80", "out.hex", "-E", "0x9C00", "0xA000"});
+    QCOMPARE(run.printed, versionLine + "\nMemory from 9c00 to a000 erased successfully!"
+                                        "\nReading from word address 9c00 to 9c80"
+                                        "hex file write success!"
+                                        "\nReset send successful!");
+    QCOMPARE(run.status, 0);
+    QTRY_COMPARE(charger->payloads(), (QList<QByteArray>{hex("0002"), hex("0301009C00"),
+                                                         hex("0140009C00"), hex("0000")}));
+}
+
+void VexaTest::showsABootSequenceOfAnUnknownVersion()
+{
+    charger = std::make_unique<LinePeer>();
+    charger->write("CA\x01\x07");
+    const Run run = vexa({"-s", charger->path(), "-b"});
+    QVERIFY2(run.printed.endsWith("\nCould not find entry for version v0107:"
+                                  "Device found on port: 0! Bootloader Version:0107:\n"),
+             run.printed.constData());
+    QCOMPARE(run.status, 1);
+}
+
 void VexaTest::probesPorts()
 {
     const Run good = vexa({"-t", charger->path()});
@@ -705,6 +779,14 @@ void VexaTest::probesPorts()
     const Run names = vexa({"-t", "!WINDOWS"});
     QCOMPARE(names.printed, QByteArray("\n0 ports found"));
     QCOMPARE(names.status, 1);
+
+    // Names that another system has for its ports are files of the folder here.
+    for (const char *name : {"\\\\.\\COM0", "\\\\.\\COM1", "\\\\.\\COM255", "\\\\.\\COM256"})
+        QVERIFY(QFile::link(QString::fromUtf8(charger->path()), QString::fromUtf8(name)));
+    const Run two = vexa({"-t", "!WIN"});
+    QCOMPARE(two.printed, QByteArray("\nOpened port \\\\.\\COM1\nOpened port \\\\.\\COM255"
+                                     "\n2 ports found"));
+    QCOMPARE(two.status, 0);
 }
 
 void VexaTest::capturesTheLine()
@@ -734,6 +816,8 @@ void VexaTest::throughput()
     QVERIFY(run.printed.contains("\nPass 2 of 2"));
     QCOMPARE(run.printed.count("Verified Flash OK!"), 2);
     QCOMPARE(run.status, 0);
+    // Each pass erases first: writing alone can only clear bits.
+    QCOMPARE(charger->payloads().count(hex("0301000C00")), 2);
     QList<QByteArray> rows;
     for (const QByteArray &payload : charger->payloads()) {
         if (payload.at(0) == 2)
