@@ -23,6 +23,7 @@ GUIDE = (
     *("profile", "editing", "override", "wizard", "wizard-lithium", "model"),
     *("device", "device-changed", "stats"),
     *("write", "other-charger", "failed"),
+    *("firmware", "firmware-uploading"),
 )
 # A window that shows all rows, and not more emptiness than needed.
 COMPACT = (707, 480)
@@ -34,6 +35,11 @@ FIRST = (707, 730)
 FIRST_FIELD = (-60, 126)
 BRIGHTNESS = (-205, 124)
 ROTATE = (-215, 216)
+
+# Places in the firmware tool.
+FIRMWARE_FILE = (300, 46)
+UPDATE_FIRMWARE = (-172, -25)
+CLOSE = (-52, -25)
 
 
 class Album:
@@ -82,6 +88,7 @@ def play(desk, album):
     read(desk, album, suite, charger)
     look_at_sizes(desk, album, suite)
     fail(desk, album, suite, charger)
+    update_firmware(desk, album, suite)
 
 
 def look_at_menus(desk, album, suite):
@@ -291,6 +298,77 @@ def disconnect_without_port(desk, album, suite, charger):
     charger.tell("unplug")
     suite.press(suite.DISCONNECT)
     close_box(desk, album, "no-reset", "Failed Opening Serial Port")
+
+
+def update_firmware(desk, album, suite):
+    """With the cable of the last charger pulled, so that this one's port is the only one."""
+    charger = desk.plug_in("--hardware", "48v", "--with-parent")
+    suite.window.click(20, 10)
+    desk.key("Up", "Up", "Return")
+    tool = desk.wait_for_window("Velantor Firmware Tool")
+    album.take("firmware-fresh", tool)
+    tool.click(*UPDATE_FIRMWARE)
+    close_box(desk, album, "firmware-no-file", "No File")
+    tool.click(66, 10)
+    desk.key("Down", "Return")
+    close_box(desk, album, "firmware-help", "Basic Usage")
+    type_file(desk, tool, "x" * 200 + ".hex")
+    album.take("firmware-long-name", tool)
+    tool.click(*UPDATE_FIRMWARE)
+    close_box(desk, album, "firmware-wrong-file", "Wrong File")
+    type_file(desk, tool, "v1.039.velantor")
+    album.take("firmware", tool)
+
+    charger.tell("fault silent")
+    tool.click(*UPDATE_FIRMWARE)
+    album.take_moving("firmware-starting", tool)
+    close_box(desk, album, "firmware-no-answer", "Flashing Error!")
+    album.take("firmware-after-error", tool)
+
+    charger.tell("clear")
+    type_file(desk, tool, "missing.velantor")
+    tool.click(*UPDATE_FIRMWARE)
+    box = desk.wait_for_window("Unknown Error!")
+    album.take_moving("firmware-hung", tool)
+    album.take("firmware-watchdog", box)
+    desk.key("Escape")
+    desk.wait_until_closed("Unknown Error!")
+
+    for fault in ("slow=0.02", "slow-erase=0.1"):
+        charger.tell("fault " + fault)
+    type_file(desk, tool, "v1.039.velantor")
+    tool.click(*UPDATE_FIRMWARE)
+    album.take_moving("firmware-erasing", tool)
+    wait_for_step(desk, "uploading")
+    desk.wait_until("rows are written", follow(charger, 100))
+    album.take_moving("firmware-uploading", tool)
+    wait_for_step(desk, "verifying")
+    desk.wait_until("rows are compared", follow(charger, 100))
+    album.take_moving("firmware-verifying", tool)
+    charger.tell("clear")
+    desk.wait_until("the charger is reset", lambda: charger.state()["mode"] == "left", 60)
+    album.take("firmware-done", tool)
+    tool.click(*CLOSE)
+    desk.wait_until_closed("Velantor Firmware Tool")
+
+
+def type_file(desk, tool, name):
+    tool.click(*FIRMWARE_FILE)
+    desk.key("ctrl+a")
+    desk.xdotool("type", name)
+
+
+def wait_for_step(desk, name):
+    """Waits until a flash has come to a step, which the suite prints."""
+    log = desk.folder / "suite.log"
+    line = "Entering %s state" % name
+    desk.wait_until(line, lambda: line in log.read_text(errors="replace"), 60)
+
+
+def follow(charger, commands):
+    """A check that is true as soon as the charger has got so many commands more."""
+    goal = charger.commands() + commands
+    return lambda: charger.commands() >= goal
 
 
 def main(arguments):
