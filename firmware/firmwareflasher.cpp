@@ -42,6 +42,20 @@ void setBusy(QProgressBar *bar)
     bar->setValue(100);
 }
 
+void deleteOnceEnded(QProcess *process)
+{
+    if (process->state() == QProcess::NotRunning) {
+        process->deleteLater();
+        return;
+    }
+    // One that turns out not to have started does not finish.
+    QObject::connect(process, &QProcess::stateChanged, process,
+                     [process](QProcess::ProcessState state) {
+                         if (state == QProcess::NotRunning)
+                             process->deleteLater();
+                     });
+}
+
 } // namespace
 
 std::chrono::milliseconds FirmwareFlasher::steadyTime()
@@ -358,20 +372,16 @@ void FirmwareFlasher::endUploader()
     if (!process)
         return;
     process->disconnect(this);
+    process->kill();
     // A killed process may take its time to go, and whoever deletes it before waits for it: it goes
     // by itself, without the window. The application stays its owner until then.
     process->setParent(QCoreApplication::instance());
-    if (process->state() == QProcess::NotRunning) {
-        process->deleteLater();
-    } else {
-        // One that turns out not to have started does not finish.
-        connect(process, &QProcess::stateChanged, process,
-                [process = process.data()](QProcess::ProcessState state) {
-                    if (state == QProcess::NotRunning)
-                        process->deleteLater();
-                });
-        process->kill();
-    }
+    // It may be in the midst of telling its output, with the loop of a box on top. What is deleted
+    // later from here stays until that is over, whatever the process tells meanwhile.
+    auto *told = new QObject(process);
+    connect(told, &QObject::destroyed, process,
+            [process = process.data()] { deleteOnceEnded(process); });
+    told->deleteLater();
     process = nullptr;
 }
 

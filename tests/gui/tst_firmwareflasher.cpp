@@ -77,6 +77,8 @@ private slots:
     void startsTheUploader();
     void choosesTheDeviceTable_data();
     void choosesTheDeviceTable();
+    void choosesNoTableOfABadBundle_data();
+    void choosesNoTableOfABadBundle();
     void flashesNothingElse_data();
     void flashesNothingElse();
     void flashesNoOtherBundle();
@@ -259,6 +261,27 @@ void FirmwareFlasherTest::choosesTheDeviceTable()
     // The window's end leaves the table in place.
     form->close();
     QTRY_VERIFY(!form);
+    QTEST(uploader->folder.read("device.txt"), "table");
+}
+
+void FirmwareFlasherTest::choosesNoTableOfABadBundle_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("table");
+
+    QTest::newRow("gone") << "gone.velantor" << QByteArray("old");
+    QTest::newRow("without the table that overwrites") << "fw.velantor" << QByteArray();
+}
+
+void FirmwareFlasherTest::choosesNoTableOfABadBundle()
+{
+    QFETCH(QString, path);
+    uploader->folder.write("device.txt", "old");
+    uploader->folder.write("device_keep_profiles.txt", "keep");
+    uploader->folder.write("fw.velantor",
+                           HEADER + member("device_keep_profiles.txt", "keep\n") + FIRMWARE);
+    flasher->setHexPath(path);
+    startFlashing();
     QTEST(uploader->folder.read("device.txt"), "table");
 }
 
@@ -549,6 +572,8 @@ void FirmwareFlasherTest::endsAnAttemptBeforeTheNext()
     const qint64 first = uploaderId();
     QVERIFY(isRunning(first));
     startFlashing();
+    // Nothing of the load is left on the bars.
+    QCOMPARE(form->rows(), QStringLiteral("100/0\u221A 0/100\u221A 0/100 0/100"));
     QCOMPARE(form->findChildren<QProcess *>().size(), 1);
     QTRY_VERIFY(!isRunning(first));
     QVERIFY(hears(ERASED));
@@ -858,17 +883,26 @@ void FirmwareFlasherTest::endsTheUploaderWithItsWindow()
 
 void FirmwareFlasherTest::endsTheUploaderOnFailure()
 {
-    // A run that goes on must not flash any further behind the box.
+    // A run that goes on must not flash any further behind the box. Its object is the one that told
+    // of the failure: it has to outlive the box, which is open within that signal.
     startFlashing();
+    QPointer<QProcess> process = form->findChild<QProcess *>();
     const qint64 pid = uploaderId();
     bool ended = false;
+    bool kept = false;
     answers->push([&](QMessageBox *box) {
-        ended = QTest::qWaitFor([pid] { return !isRunning(pid); }, PATIENCE);
+        ended = QTest::qWaitFor(
+            [&] { return !process || process->state() == QProcess::NotRunning; }, PATIENCE);
+        QTest::qWait(0);
+        kept = process;
         box->close();
     });
     QVERIFY(hears("no stx char!"));
     QTRY_COMPARE(form->buttons(), "Update Firmware");
     QVERIFY(ended);
+    QVERIFY(kept);
+    QVERIFY(!isRunning(pid));
+    QTRY_VERIFY(!process);
 }
 
 void FirmwareFlasherTest::survivesItsWindow_data()
