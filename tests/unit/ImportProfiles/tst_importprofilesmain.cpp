@@ -141,6 +141,7 @@ private slots:
     void laterGlobalSettingsWinMemberByMember();
     void formerValuesDoNotBoundLaterOnes();
     void defaultsDoNotBoundValues();
+    void limitsMayFollowEachOther();
     void barcodeDoesNotReachTheStruct();
     void lifetimeStatistics();
     void schemaWithoutHardwareAndBarcode();
@@ -166,6 +167,7 @@ private slots:
     void hiddenMembersKeepTheLimitInstead();
     void incompatibleProfilesAreNamed();
     void misfitBeforeTheNameIsNamedAsWell();
+    void tellsHowManyAreBuilt();
     void unknownStructsAreDropped();
     void advancedSettings_data();
     void advancedSettings();
@@ -360,6 +362,20 @@ void ImportProfilesMainTest::defaultsDoNotBoundValues()
                   pageCounter}));
     QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "longpress_time_cs"), q("0.03"));
     QCOMPARE(valueOf(generator->getUnitSettingsStruct(), "shortpress_time_cs"), q("0.01"));
+}
+
+void ImportProfilesMainTest::limitsMayFollowEachOther()
+{
+    // Each limit stands behind what it bounds, and its own limit behind it.
+    const QString line = q("int %1; // num, auto, 0, %2, *1, 0, \"%1\", \"\", \"%1\", 1, 0, basic");
+    StructSettings settings;
+    settings.setOriginalOrderStructSettings({new StructSetting(line.arg(q("a"), q("b"))),
+                                             new StructSetting(line.arg(q("b"), q("c"))),
+                                             new StructSetting(line.arg(q("c"), q("9")))});
+    importer->importSSFileStruct(element(of("", {{"a", "7"}, {"b", "8"}, {"c", "9"}})), &settings);
+    QCOMPARE(valueOf(&settings, "a"), q("7"));
+    QCOMPARE(valueOf(&settings, "b"), q("8"));
+    QCOMPARE(valueOf(&settings, "c"), q("9"));
 }
 
 void ImportProfilesMainTest::barcodeDoesNotReachTheStruct()
@@ -630,6 +646,20 @@ void ImportProfilesMainTest::misfitBeforeTheNameIsNamedAsWell()
     QCOMPARE(boxes.seen().size(), 1);
     QVERIFY2(boxes.seen().first().text.contains(q("\n36V Li - Fast\n")),
              qPrintable(boxes.seen().first().text));
+}
+
+void ImportProfilesMainTest::tellsHowManyAreBuilt()
+{
+    MessageBoxAnswers boxes;
+    QStringList told;
+    connect(importer.get(), &ImportProfilesMain::profilesBuilt, this, [&](int done, int count) {
+        told.append(
+            QStringLiteral("%1 of %2, %3 boxes").arg(done).arg(count).arg(boxes.seen().size()));
+    });
+    build(elements({lithium, with(lithium, {{"bulk_current", "99"}}), of("Silver", {})}));
+    QCOMPARE(told, QStringList({q("0 of 3, 0 boxes"), q("1 of 3, 0 boxes"), q("2 of 3, 0 boxes"),
+                                q("3 of 3, 0 boxes")}));
+    QCOMPARE(boxes.seen().size(), 1);
 }
 
 void ImportProfilesMainTest::unknownStructsAreDropped()

@@ -40,6 +40,7 @@ private slots:
     void followsItsSettings();
     void readsSettingsWithSixDigits();
     void readsAFlagAsZero();
+    void readsATextAsItsNumber();
     void dividesByZero();
     void keepsTheText();
     void shapesTheTree();
@@ -168,6 +169,17 @@ void TestFormula::readsAFlagAsZero()
     flag.setValue(true);
     Formula formula(QStringLiteral("on+1"));
     formula.buildFormulaTree({&flag});
+    QCOMPARE(formula.toDouble(), 1.0);
+}
+
+void TestFormula::readsATextAsItsNumber()
+{
+    StructSetting text(QStringLiteral("char t[9]; // string, auto, \"t\", \"t\", \"\", 0, basic"));
+    Formula formula(QStringLiteral("t+1"));
+    formula.buildFormulaTree({&text});
+    text.setValue(QStringLiteral("12.5"));
+    QCOMPARE(formula.toDouble(), 13.5);
+    text.setValue(QStringLiteral("twelve"));
     QCOMPARE(formula.toDouble(), 1.0);
 }
 

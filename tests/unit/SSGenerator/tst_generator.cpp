@@ -480,10 +480,22 @@ void TestGenerator::diesOfBadSchemas()
     QFETCH(int, line);
     const QString file = write(schema);
     const ChildResult child = runInChild([&] { Generator().parseSSFile(file); });
+    const QByteArray lastWords = "ASSERT: \"" + condition +
+                                 "\" in file ../SSGenerator/generator.cpp, line " +
+                                 QByteArray::number(line) + "\n";
     QVERIFY(child.aborted);
-    QCOMPARE(child.standardError, "ASSERT: \"" + condition +
-                                      "\" in file ../SSGenerator/generator.cpp, line " +
-                                      QByteArray::number(line) + "\n");
+    QCOMPARE(child.standardError, lastWords);
+
+    // What another schema held before makes up for nothing.
+    const QString good =
+        write(address + masterMark + singletons + hardware + barcode + chemistries, "good.ss");
+    const ChildResult later = runInChild([&] {
+        Generator generator;
+        generator.parseSSFile(good);
+        generator.parseSSFile(file);
+    });
+    QVERIFY(later.aborted);
+    QCOMPARE(later.standardError, lastWords);
 }
 
 void TestGenerator::diesOfAMissingFile()
