@@ -9,6 +9,7 @@
 #include <QSaveFile>
 #include <QStringList>
 #include <QTextStream>
+#include <QWindow>
 
 namespace
 {
@@ -122,6 +123,20 @@ void ConfigFile::showEvent(QShowEvent *event)
     // A text that wraps does not make its window high enough for a large font.
     resize(width(), qMax(height(), heightForWidth(width())));
     QDialog::showEvent(event);
+    const QWindow *window = parentWidget() ? parentWidget()->windowHandle() : nullptr;
+    if (window && !window->isExposed())
+        parentWidget()->installEventFilter(this);
+}
+
+/// At the start of the suite its window is not on the screen yet when the dialog comes up: the
+/// dialog goes along to the place that it gets.
+bool ConfigFile::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == parentWidget() && event->type() == QEvent::Move) {
+        watched->removeEventFilter(this);
+        adjustPosition(parentWidget());
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 /// Shows the dialog, whose button then leads there and nowhere else.

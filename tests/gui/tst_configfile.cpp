@@ -6,11 +6,13 @@
 #include "support/patience.h"
 #include "support/workingdirectory.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMoveEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
@@ -48,6 +50,7 @@ private slots:
     void whatDoesNotNameItChangesNothing_data();
     void whatDoesNotNameItChangesNothing();
     void firstStartAsks();
+    void goesWhereTheWindowGoesAtTheStart();
     void whatIsNoFileAsks_data();
     void whatIsNoFileAsks();
     void whoMayNotReadIsAsked();
@@ -250,6 +253,30 @@ void ConfigFileTest::firstStartAsks()
     QCOMPARE(parsed->size(), 0);
     QVERIFY(!config->isValid());
     QVERIFY(!QFile::exists(NAME));
+}
+
+void ConfigFileTest::goesWhereTheWindowGoesAtTheStart()
+{
+    const auto moveTo = [](QWidget *window, const QPoint &place) {
+        const QPoint before = window->pos();
+        window->move(place);
+        QMoveEvent event(place, before);
+        QApplication::sendEvent(window, &event);
+    };
+    QWidget window;
+    window.resize(700, 700);
+    window.winId(); // known to the desktop, which has not placed it yet
+    ConfigFile asking(&window);
+    asking.readFile();
+    moveTo(&window, QPoint(60, 40));
+    const QPoint distance =
+        asking.geometry().center() - QRect(window.pos(), window.size()).center();
+    QVERIFY2(distance.manhattanLength() < 60,
+             qPrintable(QStringLiteral("%1 %2").arg(distance.x()).arg(distance.y())));
+    // Later the user moves windows alone.
+    const QPoint there = asking.pos();
+    moveTo(&window, QPoint(0, 0));
+    QCOMPARE(asking.pos(), there);
 }
 
 void ConfigFileTest::whatIsNoFileAsks_data()
