@@ -24,6 +24,7 @@ GUIDE = (
     *("device", "device-changed", "stats"),
     *("write", "other-charger", "failed"),
     *("firmware", "firmware-uploading"),
+    *("setup", "new-bundle", "checking", "up-to-date"),
 )
 # A window that shows all rows, and not more emptiness than needed.
 COMPACT = (707, 480)
@@ -60,7 +61,9 @@ class Album:
 
 
 def play(desk, album):
+    site = desk.open_site()
     suite = MainWindow(desk)
+    look_at_updates(desk, album, suite, site)
     album.take("new-window", suite.window)
     suite.window.resize(*COMPACT)
     album.take("start", suite.window)
@@ -89,6 +92,46 @@ def play(desk, album):
     look_at_sizes(desk, album, suite)
     fail(desk, album, suite, charger)
     update_firmware(desk, album, suite)
+
+
+def look_at_updates(desk, album, suite, site):
+    site.publish("1.040", "1.106")
+    album.take("setup", desk.wait_for_window("Setup"))
+    desk.key("Return")
+    close_box(desk, album, "new-software", "New Software Available!")
+    close_box(desk, album, "new-bundle", "New Firmware!")
+
+    site.publish("1.039", "1.105", how="silent")
+    look_for(desk, 4)
+    album.take_moving("checking", desk.wait_for_window("Firmware Checker"))
+    desk.key("Escape")
+    desk.wait_until_closed("Firmware Checker")
+    site.publish("1.039", "1.105", how="close")
+    look_for(desk, 4)
+    close_box(desk, album, "check-failed-box", "Error!")
+    close_box(desk, album, "check-failed", "Firmware Checker")
+    site.publish("1.039", "1.106")
+    look_for(desk, 5)
+    close_box(desk, album, "new-software-asked", "New Software Available!")
+    close_box(desk, album, "software-checked", "Software Updates")
+    look_for(desk, 4)
+    close_box(desk, album, "up-to-date", "Firmware Checker")
+    look_for(desk, 3)
+    album.take("setup-again", desk.wait_for_window("Setup"))
+    # A folder stands where the answer is to be written.
+    config = desk.folder / "data" / "velantor-suite" / "config.txt"
+    config.unlink()
+    config.mkdir()
+    desk.key("Return")
+    close_box(desk, album, "setup-failed", "Cannot Write To Config File")
+    desk.key("Escape")
+    desk.wait_until_closed("Setup")
+
+
+def look_for(desk, ups):
+    """An entry of the menu "File", counted from its end."""
+    desk.wait_for_window("Velantor Software Suite For Firmware v1.0+").click(20, 10)
+    desk.key(*["Up"] * ups, "Return")
 
 
 def look_at_menus(desk, album, suite):

@@ -5,8 +5,10 @@ is done with its pointer and keys.
 Needs the programs Xvfb, xdotool and, for pictures, ImageMagick's convert and import.
 """
 
+import base64
 import contextlib
 import ctypes
+import json
 import mmap
 import os
 import pathlib
@@ -256,6 +258,31 @@ class Charger:
         return sorted(kept, key=lambda values: values["profile_id"])
 
 
+class Site:
+    """A web server; tells about bundles and software what it is told to."""
+
+    def __init__(self, process):
+        self.process = process
+        self.url = "http://127.0.0.1:%d" % int(process.stdout.readline())
+
+    def publish(self, bundle, software, how="whole"):
+        """The latest versions, told in one of the ways of webserver.py."""
+        document = (
+            "<updates>\n<current_version>%s</current_version>\n"
+            "<download_link>%s/bundle</download_link>\n"
+            '<os name="Linux">\n<sw_version>%s</sw_version>\n</os>\n</updates>\n'
+        ) % (bundle, self.url, software)
+        command = {
+            "path": "/downloads/latest_bundle_info_new.xml",
+            "status": 200,
+            "body": base64.b64encode(document.encode()).decode(),
+            "how": how,
+        }
+        self.process.stdin.write(json.dumps(command).encode() + b"\n")
+        self.process.stdin.flush()
+        self.process.stdout.readline()
+
+
 class Desk:
     """The display and the home; a context manager that ends everything it started."""
 
@@ -344,10 +371,9 @@ class Desk:
             [str(word) for word in command],
             env=self.environment,
             cwd=self.folder,
-            stdin=subprocess.DEVNULL,
             start_new_session=True,
             preexec_fn=follow_parent,
-            **dict({"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}, **options),
+            **dict(dict.fromkeys(("stdin", "stdout", "stderr"), subprocess.DEVNULL), **options),
         )
         self.processes.append(process)
         return process
@@ -359,6 +385,16 @@ class Desk:
         command = [self.programs / "velantor-sim", "--control", control, *options]
         process = self.start(command, stdout=subprocess.PIPE, stderr=None)
         return Charger(process, control, self.folder)
+
+    def open_site(self):
+        """Starts a web server that the suite takes for the maker's site."""
+        script = ROOT / "tests" / "support" / "webserver.py"
+        process = self.start(
+            [sys.executable, script], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=None
+        )
+        site = Site(process)
+        self.environment["VELANTOR_SITE"] = site.url
+        return site
 
     def choose_updates(self, automatic):
         """Answers in advance what the suite asks at its first start."""
