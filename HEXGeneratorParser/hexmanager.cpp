@@ -61,6 +61,25 @@ int HEXManager::getNumProfilesAllowed() const
     return HexUtility::numProfilesAllowed(generator);
 }
 
+QStringList HEXManager::getUnstorableProfiles() const
+{
+    QList<ProfileSettings *> profiles;
+    for (int i = 0; i < profileList->count(); ++i)
+        profiles.append(rowAt(i)->getProfileSettings());
+    return getUnstorableProfiles(profiles);
+}
+
+QStringList HEXManager::getUnstorableProfiles(const QList<ProfileSettings *> &profiles)
+{
+    QStringList names;
+    for (const ProfileSettings *profile : profiles) {
+        if (!WriteToHEX::canStoreTexts(profile->structSettings))
+            names.append(valueOf(profile, QStringLiteral("title")) + QStringLiteral(" - ") +
+                         valueOf(profile, QStringLiteral("description")));
+    }
+    return names;
+}
+
 ProfileName *HEXManager::rowAt(int row) const
 {
     return static_cast<ProfileNameListWidget *>(profileList->item(row))->profileName;

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -43,6 +44,12 @@ public:
     int getCurrentNumProfiles() const;
     /// How many profiles fit on a charger of the schema now in force.
     int getNumProfilesAllowed() const;
+
+    /// Title and description of each row that a charger cannot store, for the characters that they
+    /// have.
+    QStringList getUnstorableProfiles() const;
+    /// The same of these profiles.
+    static QStringList getUnstorableProfiles(const QList<ProfileSettings *> &profiles);
 
     /// Writes all rows to a page, the one for the charger where fileName is empty. Gives each
     /// profile its row as id and closes an open edit. No more rows than were allowed at

@@ -10,6 +10,8 @@
 
 #include <QRegExp>
 
+#include <algorithm>
+
 namespace HEXGeneratorParser
 {
 namespace
@@ -55,6 +57,18 @@ QByteArray WriteToHEX::getBinaryRep(const QString &text, int length)
 QByteArray WriteToHEX::getBinaryRep(bool value)
 {
     return QByteArray(1, value ? '\1' : '\0');
+}
+
+bool WriteToHEX::canStoreTexts(const HParser::StructSettings *element)
+{
+    using HParser::SettingKind;
+    const QList<HParser::StructSetting *> members = element->getOriginalOrderStructSettings();
+    return std::all_of(members.begin(), members.end(), [](const HParser::StructSetting *member) {
+        if (member->settingKind != SettingKind::String && member->settingKind != SettingKind::List)
+            return true;
+        const QString text = member->getValue();
+        return std::all_of(text.begin(), text.end(), [](QChar one) { return one.unicode() < 128; });
+    });
 }
 
 void WriteToHEX::serializeElement(HEXBuffer *buffer, const HParser::StructSettings *element)

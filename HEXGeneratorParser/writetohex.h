@@ -31,6 +31,9 @@ public:
     static QByteArray getBinaryRep(bool value);
     static QByteArray getBinaryRep(const char *) = delete;
 
+    /// Whether the fields of an element hold its texts. With a character beyond ASCII in one of
+    /// them a charger reads everything behind it wrongly.
+    static bool canStoreTexts(const HParser::StructSettings *element);
     /// Appends an element up to its checksum and closes it.
     static void serializeElement(HEXBuffer *buffer, const HParser::StructSettings *element);
 

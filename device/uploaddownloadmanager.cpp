@@ -101,6 +101,9 @@ void UploadDownloadManager::on_writeButtonPressed()
         return;
     }
 
+    if (refuse(hexManager->getUnstorableProfiles()))
+        return;
+
     writeDialog = new CommunicationDialog(window(), CommunicationDialog::ReadWriteRead);
     writeDialog->setCOMPort(formatCOMPort(comPort));
     connect(writeDialog, &CommunicationDialog::settingsWrite, this,
@@ -109,6 +112,19 @@ void UploadDownloadManager::on_writeButtonPressed()
             &HEXManager::compareVelantorAndSS);
     connect(this, &UploadDownloadManager::continueWrite, writeDialog, &CommunicationDialog::write);
     writeDialog->startRequiredComm();
+}
+
+/// A page with texts that its fields do not hold could not be read again, and with it all profiles
+/// would be gone. True when there are such profiles, which the user was told.
+bool UploadDownloadManager::refuse(const QStringList &unstorableProfiles)
+{
+    if (unstorableProfiles.isEmpty())
+        return false;
+    showBox(window(), QMessageBox::NoIcon, tr("Upload profiles status"),
+            tr("The Velantor cannot store all characters of these names and descriptions:\n\n%1\n\n"
+               "Please use only plain letters, digits and signs, without accents, and try again")
+                .arg(unstorableProfiles.join(QLatin1Char('\n'))));
+    return true;
 }
 
 void UploadDownloadManager::continueWithWrite(bool success)
@@ -139,6 +155,8 @@ void UploadDownloadManager::continueWithWrite(bool success)
 
 void UploadDownloadManager::saveUnitSettingsToVel(QList<ProfileSettings *> profileSettings)
 {
+    if (refuse(HEXManager::getUnstorableProfiles(profileSettings)))
+        return;
     if (!hexManager->exportProfiles(profileSettings)) {
         showBox(window(), QMessageBox::Critical, tr("Error while uploading!"),
                 tr("An error occured while exporting settings to HEX. Please try "

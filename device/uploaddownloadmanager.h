@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QString>
+#include <QStringList>
 
 class ProfileSettings;
 class QWidget;
@@ -75,6 +76,7 @@ public slots:
     void onResetFailed(QProcess::ProcessError error);
 
 private:
+    bool refuse(const QStringList &unstorableProfiles);
     QWidget *window() const;
 
     QString comPort; ///< bare name such as "ttyUSB0"; empty until a port was chosen

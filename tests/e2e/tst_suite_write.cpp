@@ -40,6 +40,7 @@ private slots:
     void anotherChargerIsNotWritten_data();
     void anotherChargerIsNotWritten();
     void tooManyProfilesAreRefusedFirst();
+    void namesThatNoChargerCanStoreAreRefused();
     void anImageThatCannotBeWrittenIsSaid();
     void missingFilesAreSaid_data();
     void missingFilesAreSaid();
@@ -425,6 +426,32 @@ void SuiteWriteTest::tooManyProfilesAreRefusedFirst()
     QVERIFY(story.saveData());
     QVERIFY(story.isConnected());
     QCOMPARE(story.list()->count(), 17);
+}
+
+void SuiteWriteTest::namesThatNoChargerCanStoreAreRefused()
+{
+    SuiteStory story;
+    story.plugIn({"--hardware", "48v"});
+    story.open();
+    QVERIFY(story.connectCharger());
+    const QByteArray before = story.charger().flash(0x9C00, 0xA000);
+    story.select(0);
+    story.press("editProfileButton");
+    story.enter("Profile name", QString::fromUtf8("36\u00b0 Li"));
+    story.action("saveDataAction")->trigger();
+    QCOMPARE(story.boxes.titles(), QStringList{"Upload profiles status"});
+    QVERIFY(story.boxes.seen().first().text.contains(
+        QString::fromUtf8("\n\n36\u00b0 Li - Fast Charge\n\n")));
+    QVERIFY(!SuiteStory::dialog());
+    QVERIFY(story.isConnected());
+    QCOMPARE(story.charger().flash(0x9C00, 0xA000), before);
+    QCOMPARE(story.list()->count(), 6);
+    QCOMPARE(story.titles().first(), QString::fromUtf8("36\u00b0 Li**"));
+
+    story.enter("Profile name", "36 Li");
+    QVERIFY(story.saveData());
+    QCOMPARE(story.boxes.seen().size(), 1);
+    QCOMPARE(story.profilesOnCharger().first()["title"].toString(), QStringLiteral("36 Li"));
 }
 
 void SuiteWriteTest::anImageThatCannotBeWrittenIsSaid()

@@ -41,6 +41,16 @@ int HEXManager::getNumProfilesAllowed() const
     return fake->allowed;
 }
 
+QStringList HEXManager::getUnstorableProfiles() const
+{
+    return fake->unstorable;
+}
+
+QStringList HEXManager::getUnstorableProfiles(const QList<ProfileSettings *> &)
+{
+    return fake->unstorable;
+}
+
 bool HEXManager::exportProfiles(QString fileName)
 {
     fake->called(QStringLiteral("export to \"%1\"").arg(fileName));

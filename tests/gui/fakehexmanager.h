@@ -15,6 +15,7 @@ struct FakeHexManager {
 
     int profiles = 1;
     int allowed = 17;
+    QStringList unstorable;
     bool exportWorks = true;
     bool chargerMatches = true;
     std::optional<int> importThrows;

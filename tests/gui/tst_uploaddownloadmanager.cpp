@@ -71,6 +71,7 @@ private slots:
     void readWithoutAPortFails();
 
     void tooManyProfilesAreNotWritten();
+    void profilesThatNoChargerCanStoreAreNotWritten();
     void asManyProfilesAsAllowedAreWritten();
     void writeReadsComparesWritesAndReadsBack();
     void anotherChargerIsNotWritten();
@@ -305,6 +306,26 @@ void UploadDownloadManagerTest::tooManyProfilesAreNotWritten()
                             "only "
                             "17 profiles can be exported to the Velantor. Please delete some "
                             "profiles and try again"));
+    QVERIFY(!hasDialog());
+    QCOMPARE(uploader->runs(), QStringList());
+    QCOMPARE(told, QStringList());
+}
+
+void UploadDownloadManagerTest::profilesThatNoChargerCanStoreAreNotWritten()
+{
+    hex->unstorable = QStringList{QString::fromUtf8("M\u00fcller - Fast"), QStringLiteral("B - C")};
+    manager->on_COMPortChosen(QStringLiteral("ttyUSB0"));
+    MessageBoxAnswers user;
+    manager->on_writeButtonPressed();
+    manager->saveUnitSettingsToVel({nullptr});
+    QCOMPARE(user.seen().size(), 2);
+    for (const MessageBoxAnswers::Box &box : user.seen())
+        QCOMPARE(
+            shown(box),
+            QString::fromUtf8(
+                "none|Upload profiles status|The Velantor cannot store all characters of "
+                "these names and descriptions:\n\nM\u00fcller - Fast\nB - C\n\nPlease use only "
+                "plain letters, digits and signs, without accents, and try again"));
     QVERIFY(!hasDialog());
     QCOMPARE(uploader->runs(), QStringList());
     QCOMPARE(told, QStringList());

@@ -142,6 +142,8 @@ private slots:
     void sixSignificantDigits();
     void longTitleLosesItsEnd();
     void charactersBeyondAsciiTakeMoreRoom();
+    void storableTexts_data();
+    void storableTexts();
     void checksumEndsTheElement();
     void memberOfUnknownKindTakesNoRoom();
     void bitsThatAreNoNumber();
@@ -349,6 +351,35 @@ void WriteToHEXTest::charactersBeyondAsciiTakeMoreRoom()
     QByteArray expected = lead;
     expected.replace(4, 12, QByteArray("\xC3\xA4") + QByteArray(11, '\0'));
     QCOMPARE(serialized(profile.get()).toHex(), FlashPage().add(expected).fileBytes().toHex());
+}
+
+void WriteToHEXTest::storableTexts_data()
+{
+    QTest::addColumn<QString>("member");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("storable");
+    QTest::newRow("default") << "title"
+                             << "Lithium" << true;
+    QTest::newRow("empty") << "title"
+                           << "" << true;
+    QTest::newRow("last of ASCII") << "title"
+                                   << "a~\x7f" << true;
+    QTest::newRow("first beyond ASCII") << "title" << QString(QChar(0x80)) << false;
+    QTest::newRow("umlaut") << "title" << QString::fromUtf8("M\u00fcller") << false;
+    QTest::newRow("in the description") << "description" << QString::fromUtf8("\u00b0C") << false;
+    QTest::newRow("half of two") << "title" << QString(QChar(0xd83d)) << false;
+}
+
+void WriteToHEXTest::storableTexts()
+{
+    QFETCH(QString, member);
+    QFETCH(QString, text);
+    QFETCH(bool, storable);
+    const std::unique_ptr<HParser::StructSettings> profile(
+        generator.copyFlashstackElementSettings(QStringLiteral("Lithium")));
+    profile->buildFormulaTrees();
+    profile->getStructSettingByName(member)->setValue(text);
+    QCOMPARE(WriteToHEX::canStoreTexts(profile.get()), storable);
 }
 
 void WriteToHEXTest::checksumEndsTheElement()
