@@ -88,6 +88,7 @@ private slots:
     void examinesEachChunkAlone();
     void finishesInOrder();
     void keepsMarksOfEarlierAttempts();
+    void showsItsMarks();
     void clearsErrorsOfEarlierAttempts();
     void endsAnAttemptBeforeTheNext();
     void logsWhatTheUploaderPrints_data();
@@ -548,6 +549,15 @@ void FirmwareFlasherTest::keepsMarksOfEarlierAttempts()
     QCOMPARE(form->rows(), QStringLiteral("100/0\u221A 0/100\u221A 0/100\u221A 0/100\u221A"));
     QVERIFY(hears(ERASED));
     QCOMPARE(form->rows(), QStringLiteral("100/100\u221A 100/0\u221A 0/100\u221A 0/100\u221A"));
+}
+
+void FirmwareFlasherTest::showsItsMarks()
+{
+    for (QLabel *mark :
+         {form->ui.eraseFlashCM, form->ui.loadFileCM, form->ui.uploadCM, form->ui.verifyCM})
+        mark->hide();
+    QVERIFY(reaches({ERASED, LOADED, WRITTEN, VERIFIED}));
+    QCOMPARE(form->rows(), DONE_ROWS);
 }
 
 void FirmwareFlasherTest::clearsErrorsOfEarlierAttempts()

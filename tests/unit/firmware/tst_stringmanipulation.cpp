@@ -263,6 +263,7 @@ void StringManipulationTest::readsPercentages_data()
     QTest::newRow("last sign has no digits") << QByteArray("%  50%") << 50;
     QTest::newRow("letters are not checked") << QByteArray("ab%") << ('a' - '0') * 10 + 'b' - '0';
     QTest::newRow("blank before a letter") << QByteArray(" a%") << 'a' - '0';
+    QTest::newRow("below the digits") << QByteArray("/0%") << -10;
     QTest::newRow("two blanks") << QByteArray("  %") << ' ' - '0';
 }
 
