@@ -62,6 +62,7 @@ private slots:
 
     void clones();
     void cloneGoesOnWithTheEdit();
+    void cloneKeepsTheOverrideToGoBackTo();
     void placesRows();
     void removedRowGoesWithItsItem();
     void unplacedItemTakesItsRow();
@@ -646,6 +647,25 @@ void ProfileNameTest::cloneGoesOnWithTheEdit()
     QVERIFY(copy->profileName->isEditing());
     copy->profileName->restoreBackup();
     QCOMPARE(member("bulk_I")->getValue(), QStringLiteral("4"));
+}
+
+void ProfileNameTest::cloneKeepsTheOverrideToGoBackTo()
+{
+    const auto setOverride = [this](bool on) {
+        profile.structSettings->setAdvancedSettingsEdited(on);
+        for (StructSetting *setting : profile.structSettings->getOriginalOrderStructSettings())
+            setting->enableAdvancedMode(on);
+    };
+    setOverride(true);
+    member("start_I")->setValue(0.35);
+    row()->saveBackups();
+    setOverride(false);
+    QCOMPARE(member("start_I")->getValue(), QStringLiteral("0.2"));
+
+    const std::unique_ptr<ProfileNameListWidget> copy(ProfileNameListWidget::clone(item.get()));
+    copy->profileName->restoreBackup();
+    QVERIFY(profile.structSettings->getAdvancedSettingsEdited());
+    QCOMPARE(member("start_I")->getValue(), QStringLiteral("0.35"));
 }
 
 void ProfileNameTest::placesRows()
