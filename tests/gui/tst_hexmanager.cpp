@@ -272,11 +272,17 @@ void HEXManagerTest::rowsBecomeIDs()
 
 void HEXManagerTest::openEditsAreClosed()
 {
-    ProfileName *row = addRow("Lead", "a", 0);
+    ProfileName *row = addRow("Lead", "a", 7);
     row->setTitle(q("a**"));
     row->setSubtitle(q("stale"));
     row->setEditing(true);
+    // The edit is over before the profile gets its id.
+    bool editing = true;
+    connect(row->getProfileSettings()->structSettings->getStructSettingByName(q("profile_id")),
+            &HParser::StructSetting::valueChanged, this,
+            [&editing, row] { editing = row->isEditing(); });
     QVERIFY(manager->exportProfiles(q("page.hex")));
+    QVERIFY(!editing);
     QCOMPARE(row->getTitle(), q("a"));
     QCOMPARE(row->getSubtitle(), q("Custom"));
     QVERIFY(!row->isEditing());
@@ -367,6 +373,15 @@ void HEXManagerTest::exportChosen()
     FileDialogAnswer next{QString()};
     manager->on_exportAsHEXButtonClicked();
     QCOMPARE(next.folder, QDir(q("elsewhere")).absolutePath());
+
+    // The folder of a relative name is that of the moment.
+    const QString saved = QDir(q("saved_profiles")).absolutePath();
+    manager->updateLastUsedDirectory(q("saved_profiles/mine.hex"));
+    QVERIFY(QDir::setCurrent(q("elsewhere")));
+    FileDialogAnswer last{QString()};
+    manager->on_exportAsHEXButtonClicked();
+    QVERIFY(QDir::setCurrent(directory->path()));
+    QCOMPARE(last.folder, saved);
 }
 
 void HEXManagerTest::exportOfTooMany()
@@ -424,7 +439,12 @@ void HEXManagerTest::strictImportFillsTheList()
     directory->write(q("fs_to_read.hex"), chargerPage().add(profile(9, "gone", true)).toHex());
     QSignalSpy settingsRead(manager.get(), &HEXManager::unitSettingsRead_hex);
     QSignalSpy sorted(manager.get(), &HEXManager::sortedFSElements);
+    // It is told before the profiles come.
+    int rowsWhenTold = -1;
+    connect(manager.get(), &HEXManager::unitSettingsRead_hex, this,
+            [this, &rowsWhenTold] { rowsWhenTold = list->count(); });
     manager->importFSElements();
+    QCOMPARE(rowsWhenTold, 0);
     QCOMPARE(settingsRead.size(), 1);
     QCOMPARE(settingsRead.first().first().toBool(), true);
     QVERIFY(sorted.isEmpty());

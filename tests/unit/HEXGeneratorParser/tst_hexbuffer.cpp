@@ -1,6 +1,7 @@
 #include "HEXGeneratorParser/hexbuffer.h"
 
 #include "support/capturedoutput.h"
+#include "support/inchild.h"
 #include "support/workingdirectory.h"
 
 #include <QFile>
@@ -65,6 +66,7 @@ private slots:
     void unwritableFile();
     void replacesAFile();
     void failedWriteKeepsTheFormerFile();
+    void folderThatTakesNoNewFile();
 };
 
 void HEXBufferTest::startsEmpty()
@@ -300,6 +302,25 @@ void HEXBufferTest::failedWriteKeepsTheFormerFile()
     QVERIFY(!written);
     QCOMPARE(directory.read(QStringLiteral("image.hex")), QByteArray("former"));
     QCOMPARE(QDir().entryList(QDir::Files), QStringList{QStringLiteral("image.hex")});
+}
+
+void HEXBufferTest::folderThatTakesNoNewFile()
+{
+    const WorkingDirectory directory;
+    directory.write(QStringLiteral("image.hex"), "former");
+    // The file itself may be written by everybody.
+    QVERIFY(QFile::setPermissions(QStringLiteral("image.hex"), QFile::Permissions(0x6666)));
+    QVERIFY(QFile::setPermissions(directory.path(), QFile::Permissions(0x5555)));
+    const int result = inChild([] {
+        HEXBuffer buffer(2048);
+        buffer.appendByte(1);
+        if (!becomeOrdinaryUser())
+            return 2;
+        return buffer.writeToFile(QStringLiteral("image.hex"), 0x9C00) ? 0 : 1;
+    });
+    QVERIFY(QFile::setPermissions(directory.path(), QFile::Permissions(0x7777)));
+    QCOMPARE(result, 0);
+    QVERIFY(directory.read(QStringLiteral("image.hex")).startsWith(":020000040001F9\n"));
 }
 
 QTEST_GUILESS_MAIN(HEXBufferTest)

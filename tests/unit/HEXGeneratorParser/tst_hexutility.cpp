@@ -181,6 +181,10 @@ void HexUtilityTest::displayFormula()
         "unsigned long t; // num, auto, 0, 9, *0.0002777777, 2, \"t\", \"h\", \"t\", 0, 0, basic"));
     QCOMPARE(HexUtility::applyDisplayFormula(3600, &setting), 0.0002777777 * 3600.0);
     QCOMPARE(HexUtility::applyDisplayFormula(-1, &setting), -0.0002777777);
+    // The text counts: a number alone is one.
+    const HParser::StructSetting quotient(QStringLiteral(
+        "unsigned char t; // num, auto, 0, 9, *1 / 4, 2, \"t\", \"h\", \"t\", 0, 0, basic"));
+    QCOMPARE(HexUtility::applyDisplayFormula(8, &quotient), 0.0);
 }
 
 void HexUtilityTest::checksum_data()

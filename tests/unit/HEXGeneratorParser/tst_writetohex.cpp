@@ -146,6 +146,7 @@ private slots:
     void storableTexts();
     void checksumEndsTheElement();
     void memberOfUnknownKindTakesNoRoom();
+    void scaleIsAFormula();
     void bitsThatAreNoNumber();
 
     void image_data();
@@ -407,6 +408,16 @@ void WriteToHEXTest::memberOfUnknownKindTakesNoRoom()
                       "unsigned char a; // bool, auto, \"a\", \"a\", 0, -1, basic"))});
     odd.getOriginalOrderStructSettings().last()->setValue(true);
     QCOMPARE(serialized(&odd).toHex(), QByteArray("ffff0100"));
+}
+
+void WriteToHEXTest::scaleIsAFormula()
+{
+    StructSettings odd;
+    odd.setOriginalOrderStructSettings({new HParser::StructSetting(QStringLiteral(
+        "unsigned char a; // num, auto, 0, 9, *1 / 4, 2, \"a\", \"\", \"a\", 0, 0, basic"))});
+    odd.buildFormulaTrees();
+    odd.getStructSettingByName(QStringLiteral("a"))->setValue(2.0);
+    QCOMPARE(serialized(&odd).toHex(), QByteArray("ffff0800"));
 }
 
 void WriteToHEXTest::bitsThatAreNoNumber()
