@@ -373,6 +373,7 @@ void BootloaderTest::noReply()
     QCOMPARE(bootloader_eraserange(reply, 0, chargerRecord(), 0x9C00, 0xA000), 1);
     QCOMPARE(bootloader_getversion(reply, 0, chargerRecord()), 0u);
     QCOMPARE(int(bootloader_sendverifyOK(reply, 0, chargerRecord())), 0);
+    QCOMPARE(bootloader_read(reply, 64, 0x9C00, 0, 0, false, chargerRecord()), 65535u);
 }
 
 void BootloaderTest::writesFlashRow()

@@ -591,6 +591,7 @@ void VexaTest::readsWhatItWrote()
 {
     folder->write(QStringLiteral("in.hex"), smallImage);
     QCOMPARE(onCharger({"-w", "in.hex"}).status, 0);
+    folder->write(QStringLiteral("out.hex"), "what was read before");
     QCOMPARE(onCharger({"-l", "0x0C00", "0x0D00", "out.hex"}).status, 0);
     const QByteArray text = folder->read(QStringLiteral("out.hex"));
     QVERIFY(text.startsWith(":020000040000FA\n:101800000102030DFFFFFF00FFFFFF00FFFFFF00"));
