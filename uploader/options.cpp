@@ -12,24 +12,24 @@ namespace
 using namespace IntelHexFile;
 
 const char *const usage =
-    "-s [port]             serial port to use (required)\n"
-    " -M [baud]             highest baud rate to use\n"
-    " -V                    get the bootloader version by command\n"
-    " -B [version]          assume this bootloader version, i.e. 02F0\n"
-    " -b                    wait for a boot sequence and show the bootloader version\n"
-    " -h                    half-duplex line\n"
-    " -r [file]             read all flash from the bootloader's end into the file\n"
+    "-s [port]              serial port to use (required)\n"
+    " -M [baud]              highest baud rate to use\n"
+    " -V                     get the bootloader version by command\n"
+    " -B [version]           assume this bootloader version, i.e. 02F0\n"
+    " -b                     wait for a boot sequence and show the bootloader version\n"
+    " -h                     half-duplex line\n"
+    " -r [file]              read all flash from the bootloader's end into the file\n"
     " -l [low] [high] [file] read this word address range into the file\n"
-    " -E [low] [high]       erase the pages of this word address range\n"
-    " -e                    erase all flash above the bootloader\n"
-    " -w [file]             write the hex file from the bootloader's end on\n"
+    " -E [low] [high]        erase the pages of this word address range\n"
+    " -e                     erase all flash above the bootloader\n"
+    " -w [file]              write the hex file from the bootloader's end on\n"
     " -W [low] [high] [file] write this word address range of the hex file\n"
-    " -v [file]             compare flash with the hex file\n"
-    " -f [file]             erase, write, verify and reset in one\n"
-    " -R                    reset the chip\n"
-    " -g [passes]           write and verify random data this many times\n"
-    " -t [port]             try to open a port\n"
-    " -x [file]             copy everything received on the port into the file, without end\n";
+    " -v [file]              compare flash with the hex file\n"
+    " -f [file]              erase, write, verify and reset in one\n"
+    " -R                     reset the chip\n"
+    " -g [passes]            write and verify random data this many times\n"
+    " -t [port]              try to open a port\n"
+    " -x [file]              copy everything received on the port into the file, without end\n";
 
 const char *const badPort = "\nPlease enter a valid port name!";
 const char *const badRange = "\nPlease enter a valid word address range, i.e. 0x1000 0x1400!";

@@ -321,6 +321,13 @@ void OptionsTest::unknownLetter()
         QVERIFY(!result.options);
         QVERIFY(result.complaint.compare(0, 18, "Incorrect usage:\n ") == 0);
         QVERIFY(result.complaint.find("-s [port]") != std::string::npos);
+        // Its explanations stand below each other.
+        QList<QByteArray> lines = QByteArray::fromStdString(result.complaint).split('\n');
+        QCOMPARE(lines.takeFirst(), QByteArray("Incorrect usage:"));
+        QCOMPARE(lines.takeLast(), QByteArray());
+        for (const QByteArray &line : lines)
+            QVERIFY2(line.size() > 24 && line.at(23) == ' ' && line.at(24) != ' ',
+                     line.constData());
     }
     for (const char *argument : {"", "-", "- -"})
         QCOMPARE(parsed({"-s", "p", argument}).complaint, std::string("Incorrect usage!"));
