@@ -32,7 +32,6 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QMessageBox>
@@ -502,8 +501,6 @@ FirmwareTool::VelantorFirmwareToolWindow *MainWindow::openFirmwareTool()
 
 void MainWindow::runFirmwareToolAlone()
 {
-    // A box whose parent is not visible ends the loop with its own end, where windows do that.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
     const QPointer<FirmwareTool::VelantorFirmwareToolWindow> tool(openFirmwareTool());
     QEventLoop loop;
     connect(tool, &FirmwareTool::VelantorFirmwareToolWindow::closing, &loop, &QEventLoop::quit);

@@ -130,11 +130,10 @@ void VelantorFirmwareToolWindow::startFlashing()
 
 void VelantorFirmwareToolWindow::on_selectFileButton_clicked()
 {
-    const QPointer<VelantorFirmwareToolWindow> guard(this);
     const QString path = QFileDialog::getOpenFileName(
         this, tr("Select Velantor Firmware File"), lastDirectory.path(),
         tr("Velantor Firmware Files (*.velantor);;All Files (*.*)"));
-    if (!guard || path.isEmpty())
+    if (path.isEmpty())
         return;
     lastDirectory = QFileInfo(path).dir();
     ui->fileInputBox->setText(path);
