@@ -164,6 +164,7 @@ private slots:
     void bounds_data();
     void bounds();
     void limitThatCutsTheDefaultIsNoLessALimit();
+    void finerNumbersAreRounded();
     void hiddenMembersKeepTheLimitInstead();
     void incompatibleProfilesAreNamed();
     void misfitBeforeTheNameIsNamedAsWell();
@@ -609,6 +610,18 @@ void ImportProfilesMainTest::limitThatCutsTheDefaultIsNoLessALimit()
     QCOMPARE(profiles.size(), 1);
     QCOMPARE(valueOf(profiles.first(), "title"), q("Good"));
     QCOMPARE(boxes.titles(), QStringList{q("Incompatible Profiles")});
+}
+
+void ImportProfilesMainTest::finerNumbersAreRounded()
+{
+    // The charger counts in mA and 10 mV, a user in tenths: that is no misfit.
+    MessageBoxAnswers boxes;
+    const auto profiles =
+        build(elements({with(lithium, {{"bulk_current", "4.944"}, {"full_voltage", "41.26"}})}));
+    QCOMPARE(profiles.size(), 1);
+    QCOMPARE(valueOf(profiles.first(), "bulk_I"), q("4.9"));
+    QCOMPARE(valueOf(profiles.first(), "full_V"), q("41.3"));
+    QVERIFY(boxes.seen().isEmpty());
 }
 
 void ImportProfilesMainTest::hiddenMembersKeepTheLimitInstead()
