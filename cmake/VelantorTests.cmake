@@ -17,11 +17,12 @@ function(velantor_add_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS "${arg_LABELS}")
 endfunction()
 
-# Gives the test <name> a home of its own and an off-screen display.
+# Gives the test <name> a home of its own and an off-screen display. Its time is limited by ctest alone:
+# QtTest would end a program after five minutes, and slow machines need more for the longest.
 function(velantor_test_environment name)
     set(home ${PROJECT_BINARY_DIR}/homes/${name})
     file(MAKE_DIRECTORY ${home}/run)
     file(CHMOD ${home}/run PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
     set_tests_properties(${name} PROPERTIES ENVIRONMENT
-        "HOME=${home};XDG_DATA_HOME=${home}/data;XDG_CONFIG_HOME=${home}/config;XDG_RUNTIME_DIR=${home}/run;QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false;ASAN_OPTIONS=detect_leaks=0")
+        "HOME=${home};XDG_DATA_HOME=${home}/data;XDG_CONFIG_HOME=${home}/config;XDG_RUNTIME_DIR=${home}/run;QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=qt.qpa.*=false;ASAN_OPTIONS=detect_leaks=0;QTEST_FUNCTION_TIMEOUT=1200000")
 endfunction()
