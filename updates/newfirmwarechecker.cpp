@@ -38,7 +38,9 @@ bool isNewer(const QString &latest, const QString &installed)
 } // namespace
 
 NewFirmwareChecker::NewFirmwareChecker(QObject *parent)
-    : QObject(parent), url(siteUrl(QStringLiteral("/downloads/latest_bundle_info_new.xml")))
+    : QObject(parent),
+      downloader(this),
+      url(siteUrl(QStringLiteral("/downloads/latest_bundle_info_new.xml")))
 {
 }
 
@@ -88,8 +90,6 @@ void NewFirmwareChecker::on_InfoDownloaded(const QByteArray &data)
     QXmlStreamReader reader(data);
     while (!reader.atEnd()) {
         if (reader.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        if (reader.name() == QLatin1String("updates"))
             continue;
         if (bundleTags.contains(reader.name())) {
             const QString tag = reader.name().toString();

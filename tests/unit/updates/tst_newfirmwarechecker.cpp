@@ -76,6 +76,8 @@ private slots:
     void asksTheSite();
     void documentsThatCannotBeFetchedAreErrors_data();
     void documentsThatCannotBeFetchedAreErrors();
+    void documentsAreSmall_data();
+    void documentsAreSmall();
     void emptyDocumentSaysNothing();
     void storesTheBundle();
     void replacesABundleOfThatName();
@@ -270,6 +272,8 @@ void NewFirmwareCheckerTest::readsItInAnyShape_data()
     QTest::newRow("another element before them")
         << QByteArray("<os name=\"Linux\">\n<size>3</size>\n<sw_version>1.2</sw_version>\n</os>")
         << none << none;
+    QTest::newRow("another end tag") << QByteArray("<os name=\"Linux\">\n<sw_version>1.2</os>")
+                                     << none << Info{{"sw_version", "1.2"}};
     for (const char *name : {"Windows", "linux", "Linux ", ""})
         QTest::addRow("platform \"%s\"", name)
             << QByteArray("<os name=\"") + name + "\">\n<sw_version>1.2</sw_version>\n</os>" << none
@@ -452,6 +456,24 @@ void NewFirmwareCheckerTest::documentsThatCannotBeFetchedAreErrors()
     QVERIFY(!checker->downloadNeeded());
     QTRY_VERIFY(server->state(DOCUMENT) != QLatin1String("open"));
     QVERIFY(server->requests().first().sent < 50000000);
+}
+
+void NewFirmwareCheckerTest::documentsAreSmall_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("1 MiB") << 1024 * 1024 << true;
+    QTest::newRow("a byte more") << 1024 * 1024 + 1 << false;
+}
+
+void NewFirmwareCheckerTest::documentsAreSmall()
+{
+    QFETCH(int, size);
+    QFETCH(bool, isRead);
+    setAnswer(DOCUMENT, SAMPLE + QByteArray(size - SAMPLE.size(), ' '));
+    checker->downloadXMLInfo();
+    QCOMPARE(awaitOne(*info, *error), isRead);
+    QCOMPARE(checker->downloadNeeded(), isRead);
 }
 
 void NewFirmwareCheckerTest::emptyDocumentSaysNothing()
