@@ -24,6 +24,7 @@ private slots:
     void anotherStartForgetsTheLastLook();
     void looksOnceASecond();
     void stopsAndStartsAgain();
+    void aLookFromWithinASignalTellsNothingTwice();
     void mayDieInItsFirstSignal();
 
 private:
@@ -210,6 +211,27 @@ void COMDeviceWatcherTest::stopsAndStartsAgain()
     stopped.startWatching();
     terminal.announce();
     QVERIFY(silent.wait(10000));
+}
+
+void COMDeviceWatcherTest::aLookFromWithinASignalTellsNothingTwice()
+{
+    PseudoTerminal leaving;
+    PseudoTerminal coming;
+    leaving.announce();
+    COMDeviceWatcher watcher(nullptr);
+    const Diary diary(&watcher);
+    // As in a receiver that opens a dialog, with an event loop of its own.
+    int looks = 0;
+    connect(&watcher, &COMDeviceWatcher::devicesAdded, this, [&watcher, &looks] {
+        if (++looks < 5)
+            watcher.onTimerFired();
+    });
+    watcher.startWatching();
+    leaving.withdraw();
+    coming.announce();
+    watcher.onTimerFired();
+    QCOMPARE(diary.entries, QStringList({QLatin1Char('+') + coming.portName(),
+                                         QLatin1Char('-') + leaving.portName()}));
 }
 
 void COMDeviceWatcherTest::mayDieInItsFirstSignal()
