@@ -526,6 +526,18 @@ void VexaTest::writesARange()
     QCOMPARE(one.status, 0);
     QCOMPARE(charger->payloads().size(), 2);
     QCOMPARE(charger->payloads().at(1).left(5), hex("0201800C00"));
+    // The percentage is that of the range's end, byte 0x1A00: 0x1900 is 96 of 100.
+    QVERIFY2(one.printed.contains("\nNow writing from c80 to d00 word address\n"
+                                  "Upload Progress  96%"),
+             one.printed.constData());
+
+    // Nothing of the bootloader is written.
+    const int before = charger->payloads().size();
+    const Run below = onCharger({"-W", "0x0100", "0x0200", "in.hex"});
+    QVERIFY2(below.printed.contains("0xc00\nNow writing from c00 to c00 word address\n"),
+             below.printed.constData());
+    QCOMPARE(below.status, 0);
+    QCOMPARE(charger->payloads().mid(before), QList<QByteArray>{hex("0002")});
 
     // Exactly what can be written is nothing to cut.
     const Run all = onCharger({"-W", "0x0C00", "0xA000", "in.hex"});
