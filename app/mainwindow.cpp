@@ -402,7 +402,6 @@ void MainWindow::checkForUpdates()
     using NewFirmwareChecker::NewFirmwareChecker;
     if (firmwareChecker) {
         // Two checks at a time would ask twice.
-        firmwareChecker->disconnect(this);
         firmwareChecker->cancel();
         firmwareChecker->deleteLater();
     }

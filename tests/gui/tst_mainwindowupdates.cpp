@@ -37,6 +37,7 @@
 #include <functional>
 #include <memory>
 
+using NewFirmwareChecker::FileDownloader;
 using NewFirmwareChecker::NewFirmwareCheckerManager;
 using NewFirmwareChecker::UpdateCheckerDialog;
 using Checker = NewFirmwareChecker::NewFirmwareChecker;
@@ -105,6 +106,7 @@ private slots:
     void failuresAreTold();
     void changeChecksAgain();
     void aNewCheckEndsTheOneBefore();
+    void aNewCheckSilencesWhatHasJustArrived();
     void checkOnRequestTakesTheBundleIntoUse();
     void softwareCheckOnRequest();
     void modalWindowsDelayTheReload_data();
@@ -504,6 +506,32 @@ void MainWindowUpdatesTest::aNewCheckEndsTheOneBefore()
     QTRY_COMPARE(server->requests().first().state, QStringLiteral("left"));
     QTRY_VERIFY(!QApplication::activeModalWidget());
     QCOMPARE(boxes->seen().size(), 1); // no error of the first one, and no second offer
+}
+
+void MainWindowUpdatesTest::aNewCheckSilencesWhatHasJustArrived()
+{
+    setAnswer(DOCUMENT, "There is no such page.", QStringLiteral("whole"), 404);
+    chooseAutomaticUpdates();
+    boxes->push(QMessageBox::No);
+    window = std::make_unique<MainWindow>();
+    bool arrived = false;
+    connect(setup(), &ConfigFile::parsed, this, [&] {
+        auto *downloader = window->findChild<FileDownloader *>();
+        connect(downloader, &FileDownloader::downloadProgress, this, [&](qint64 count) {
+            if (arrived || count == 0)
+                return;
+            arrived = true;
+            // The error is on its way, and the next check comes before it.
+            publish("1.040", "1.105");
+            QMetaObject::invokeMethod(window.get(), "checkForUpdates", Qt::QueuedConnection);
+        });
+    });
+    window->show();
+    QTRY_COMPARE(boxes->titles(), QStringList("New Firmware!"));
+    QVERIFY(arrived);
+    QTRY_VERIFY(!QApplication::activeModalWidget());
+    QTRY_COMPARE(window->findChildren<Checker *>().size(), 1);
+    QCOMPARE(boxes->seen().size(), 1);
 }
 
 void MainWindowUpdatesTest::checkOnRequestTakesTheBundleIntoUse()
