@@ -19,6 +19,8 @@ const QStringList ids{QStringLiteral("profile_id"), QStringLiteral("stats.profil
 const QString anyStats = QStringLiteral("stats.");
 
 constexpr int settlingRounds = 10;
+// Time-outs of the uploader count its processor time: on a busy computer each takes its while.
+constexpr int longPatience = 4 * PATIENCE;
 
 bool isLie(const QString &fault)
 {
@@ -174,7 +176,7 @@ Soak::Connecting Soak::tryToConnect(const QString &fault)
         const QDialog *open = SuiteStory::dialog();
         return !open || open->findChild<QPushButton *>(QStringLiteral("okButton"))->isEnabled();
     };
-    if (!QTest::qWaitFor(hasEnded, PATIENCE)) {
+    if (!QTest::qWaitFor(hasEnded, longPatience)) {
         diary.broken(QStringLiteral("a connect does not end"));
         stuck = true;
     }
@@ -227,7 +229,7 @@ void Soak::connectImpatiently()
     QTest::keyClick(SuiteStory::dialog(), Qt::Key_Escape);
     // The event loop takes the dialog away before it hears of anything else.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    if (!QTest::qWaitFor([] { return Resources::now().children == 1; }, PATIENCE))
+    if (!QTest::qWaitFor([] { return Resources::now().children == 1; }, longPatience))
         diary.broken(QStringLiteral("the abandoned run does not end"));
     user.takeBoxes();
     if (story.isConnected() || SuiteStory::dialog())
