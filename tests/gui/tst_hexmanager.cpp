@@ -88,6 +88,7 @@ private slots:
     void limitIsThatOfConstruction();
     void unwritablePage();
     void givenProfilesStayAsTheyAre();
+    void profilesThatCannotBeStored();
 
     // Export by the user
     void exportCancelled();
@@ -342,6 +343,27 @@ void HEXManagerTest::givenProfilesStayAsTheyAre()
         (QStringList{q("Page counter"), q("Version"), q("Global settings"), q("Profile stats:44"),
                      q("Lithium:44:given"), q("Hardware Version"), q("Barcode")}));
     QVERIFY(other->isEditing());
+}
+
+void HEXManagerTest::profilesThatCannotBeStored()
+{
+    QVERIFY(manager->getUnstorableProfiles().isEmpty());
+    ProfileName *good = addRow("Lead", "plain ~", 0);
+    QVERIFY(manager->getUnstorableProfiles().isEmpty());
+
+    const auto write = [](ProfileName *row, const char *member, const QString &text) {
+        row->getProfileSettings()->structSettings->getStructSettingByName(q(member))->setValue(
+            text);
+    };
+    ProfileName *title = addRow("Lithium", "a", 1);
+    write(title, "title", QStringLiteral("M\u00fcller"));
+    ProfileName *description = addRow("Nickel", "b", 2);
+    write(description, "description", QStringLiteral("24 \u2103"));
+    QCOMPARE(manager->getUnstorableProfiles(), (QStringList{QStringLiteral("M\u00fcller - Custom"),
+                                                            QStringLiteral("b - 24 \u2103")}));
+    QCOMPARE(HEXManager::getUnstorableProfiles(
+                 {description->getProfileSettings(), good->getProfileSettings()}),
+             QStringList{QStringLiteral("b - 24 \u2103")});
 }
 
 void HEXManagerTest::exportCancelled()
