@@ -107,6 +107,9 @@ private slots:
     void disconnectWithPortResetsThenTells();
     void exportsCarryWhetherSettingsGoAlong();
     void importsTellWhetherSettingsAreLoaded();
+    void imagesAreImportedOnRequest();
+    void entriesOfNoMenuDoNothing_data();
+    void entriesOfNoMenuDoNothing();
     void toolbarAndMenuDisableTogether();
     void resizingEndsAtTheSameSize_data();
     void resizingEndsAtTheSameSize();
@@ -784,6 +787,44 @@ void MainWindowTest::importsTellWhetherSettingsAreLoaded()
     QCOMPARE(imports.count(), 4);
     for (int i = 0; i < 4; ++i)
         QCOMPARE(imports.at(i).at(0).toBool(), i >= 2);
+}
+
+void MainWindowTest::imagesAreImportedOnRequest()
+{
+    emit manager()->settingsRead(true);
+    FileDialogAnswer cancel{QString()};
+    action("actionImportHEX")->trigger();
+    QVERIFY(cancel.asked && !cancel.saving);
+    QCOMPARE(cancel.title, QStringLiteral("Select HEX File to Import Profiles"));
+}
+
+void MainWindowTest::entriesOfNoMenuDoNothing_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    for (const char *name :
+         {"actionHelp", "actionExportHEX", "actionNew_firmware_tool", "actionEditAutoUpdates"})
+        QTest::newRow(name) << QByteArray(name);
+}
+
+void MainWindowTest::entriesOfNoMenuDoNothing()
+{
+    QFETCH(QByteArray, name);
+    emit manager()->settingsRead(true);
+    MessageBoxAnswers boxes;
+    FileDialogAnswer file{QString()};
+    const auto shown = [this] {
+        QStringList names;
+        for (const QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->isVisible() && widget != window.get())
+                names.append(QString::fromLatin1(widget->metaObject()->className()));
+        }
+        return names;
+    };
+    QVERIFY(action(name.constData())->isEnabled());
+    action(name.constData())->trigger();
+    QCOMPARE(shown(), QStringList());
+    QVERIFY(boxes.seen().isEmpty());
+    QVERIFY(!file.asked);
 }
 
 void MainWindowTest::toolbarAndMenuDisableTogether()
