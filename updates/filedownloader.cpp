@@ -103,11 +103,14 @@ void FileDownloader::checkAnnouncedSize()
         giveUp();
 }
 
-/// A redirect that is not followed ends without an error, and what it carries is not the file.
+/// A redirect that is not followed ends without an error, and what it carries is not the file. So
+/// does, now and then, a reply whose connection breaks.
 bool FileDownloader::isSuccess() const
 {
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    return status >= 200 && status < 300;
+    const QVariant announced = reply->header(QNetworkRequest::ContentLengthHeader);
+    return status >= 200 && status < 300 &&
+           (!announced.isValid() || announced.toLongLong() == received.size());
 }
 
 void FileDownloader::giveUp()

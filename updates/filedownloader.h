@@ -14,8 +14,9 @@ namespace NewFirmwareChecker
 /// Fetches one file at a time by HTTP or HTTPS into memory.
 ///
 /// Each download ends with either finished() or error(), which come from the event loop and never
-/// from within startDownloading(). Only a reply of success counts: redirects are not followed and
-/// are errors. There is no time-out; reset() ends a download that takes too long.
+/// from within startDownloading(). Only a reply of success counts, with as many bytes as it
+/// announced: redirects are not followed and are errors. Of a reply without a size the library may
+/// miss that its end is missing. There is no time-out; reset() ends a download that takes too long.
 class FileDownloader : public QObject
 {
     Q_OBJECT

@@ -19,7 +19,6 @@ Prints its port. Then each line of standard input is a command in JSON, answered
 HOW is one of
     whole     all of it
     cut       the size of all of it and half of it, then the connection is closed
-    chunks    half of it in a chunk with others to follow, then the connection is closed
     hold      all of it, though not before it is released
     stall     the size of all of it and half of it, then nothing more
     silent    not a byte
@@ -95,15 +94,10 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.send_response(answer["status"])
         for name, value in answer.get("headers", {}).items():
             self.send_header(name, value)
-        if how == "chunks":
-            self.send_header("Transfer-Encoding", "chunked")
-        elif how != "endless":
+        if how != "endless":
             self.send_header("Content-Length", str(2 << 30 if how == "huge" else len(body)))
         self.send_header("Connection", "close")
         self.end_headers()
-        if how == "chunks":
-            half = body[: len(body) // 2]
-            body = b"%x\r\n%s\r\n" % (len(half), half)
         if how in ("cut", "stall"):
             body = body[: len(body) // 2]
         self.send(request, body)

@@ -616,7 +616,6 @@ void NewFirmwareCheckerTest::bundlesThatCannotBeFetchedAreErrors_data()
 {
     documentsThatCannotBeFetchedAreErrors_data();
     QTest::newRow("connection closed") << "close" << 200;
-    QTest::newRow("more chunks announced") << "chunks" << 200;
 }
 
 void NewFirmwareCheckerTest::bundlesThatCannotBeFetchedAreErrors()
