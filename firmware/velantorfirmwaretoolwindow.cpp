@@ -44,6 +44,7 @@ void VelantorFirmwareToolWindow::extraUIAdditions()
     connect(ui->actionExit, &QAction::triggered, this, &VelantorFirmwareToolWindow::exitProgram);
     connect(ui->closeButton, &QPushButton::clicked, this, &VelantorFirmwareToolWindow::exitProgram);
     connect(ui->actionHelp, &QAction::triggered, this, &VelantorFirmwareToolWindow::helpProgram);
+    ui->submitButton->installEventFilter(this);
 
     ports =
         std::make_unique<PortDropdown>(ui->comPortsDropdown, PortDropdown::BuiltInPorts::Listed);
@@ -69,6 +70,15 @@ void VelantorFirmwareToolWindow::closeEvent(QCloseEvent *event)
     // The window's close control and the end of the session leave nothing out.
     prepareToClose();
     QMainWindow::closeEvent(event);
+}
+
+bool VelantorFirmwareToolWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    // The focus comes back to the button that it was taken from, unless the user has moved it.
+    if (event->type() == QEvent::EnabledChange && ui->submitButton->isEnabled() &&
+        focusWidget() == this)
+        ui->submitButton->setFocus();
+    return QMainWindow::eventFilter(watched, event);
 }
 
 void VelantorFirmwareToolWindow::prepareToClose()
@@ -114,6 +124,10 @@ void VelantorFirmwareToolWindow::on_submitButton_clicked()
 
 void VelantorFirmwareToolWindow::startFlashing()
 {
+    // From a button that is disabled the focus goes on to the next one, "Browse...", which a key
+    // that is pressed twice would then press.
+    if (ui->submitButton->hasFocus())
+        setFocus();
     ui->submitButton->setEnabled(false);
     ui->closeButton->setEnabled(false);
     try {

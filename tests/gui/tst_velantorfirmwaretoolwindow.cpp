@@ -142,6 +142,9 @@ private slots:
     void profilesAreKeptUnlessTicked();
     void aFlashThatSucceeds();
     void anErrorLeavesCloseDisabled();
+    void keysPressedAgainDoNothing_data();
+    void keysPressedAgainDoNothing();
+    void theFocusStaysWhereTheUserPutIt();
     void withoutAPortThePortCannotBeOpened();
     void theAskForAConnectIsPassedOn();
 
@@ -779,6 +782,55 @@ void VelantorFirmwareToolWindowTest::anErrorLeavesCloseDisabled()
     QVERIFY(!closeButton()->isEnabled());
     tool->findChild<QAction *>(QStringLiteral("actionExit"))->trigger();
     QTRY_VERIFY(!tool);
+}
+
+void VelantorFirmwareToolWindowTest::keysPressedAgainDoNothing_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::newRow("space") << int(Qt::Key_Space);
+    QTest::newRow("enter") << int(Qt::Key_Return);
+}
+
+void VelantorFirmwareToolWindowTest::keysPressedAgainDoNothing()
+{
+    QFETCH(int, key);
+    open();
+    QVERIFY(QTest::qWaitForWindowActive(tool));
+    typeBundle();
+    uploader->plan({FakeUploader::WAIT, printing({QStringLiteral("Can not open comport")})});
+    submit()->setFocus();
+    const auto press = [&] {
+        QTest::keyClick(tool->focusWidget(), Qt::Key(key));
+        QCoreApplication::processEvents();
+    };
+    press();
+    QVERIFY(!submit()->isEnabled());
+    press();
+    press();
+    QCOMPARE(QApplication::activeModalWidget(), tool.data());
+    QTRY_COMPARE(uploader->runs(), QStringList(RUN.arg(QStringLiteral("ttyUSB0"))));
+
+    // After an error the same key tries again.
+    MessageBoxAnswers user;
+    tool->findChild<FirmwareFlasher *>()->startFlashing();
+    QTRY_COMPARE(user.titles(), QStringList(QStringLiteral("Flashing Error!")));
+    QTRY_VERIFY(submit()->isEnabled());
+    QCOMPARE(tool->focusWidget(), submit());
+}
+
+void VelantorFirmwareToolWindowTest::theFocusStaysWhereTheUserPutIt()
+{
+    open();
+    QVERIFY(QTest::qWaitForWindowActive(tool));
+    typeBundle();
+    uploader->plan({printing({QStringLiteral("Can not open comport")})});
+    MessageBoxAnswers user;
+    submit()->setFocus();
+    submit()->click();
+    fileBox()->setFocus();
+    QTRY_COMPARE(user.titles(), QStringList(QStringLiteral("Flashing Error!")));
+    QTRY_VERIFY(submit()->isEnabled());
+    QCOMPARE(tool->focusWidget(), fileBox());
 }
 
 void VelantorFirmwareToolWindowTest::withoutAPortThePortCannotBeOpened()
