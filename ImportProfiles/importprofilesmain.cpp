@@ -8,6 +8,7 @@
 #include "SSGenerator/structsettings.h"
 #include "app/messagedialogs.h"
 #include "profiles/profilesettings.h"
+#include "profiles/profileshare.h"
 #include "profiles/profilestats.h"
 
 #include <QMap>
@@ -69,21 +70,6 @@ bool hasFormulaTrees(const StructSettings *settings)
     return std::all_of(members.begin(), members.end(), [](const StructSetting *setting) {
         return !setting->lowerBound || setting->lowerBound->getRootTree();
     });
-}
-
-void destroy(ProfileStats *stats)
-{
-    delete stats->structSettings;
-    delete stats;
-}
-
-/// Only for profiles that nobody was told of.
-void destroy(ProfileSettings *profile)
-{
-    if (profile->getStats())
-        destroy(profile->getStats());
-    delete profile->structSettings;
-    delete profile;
 }
 
 /// The statistics of a record, or null where the schema has no struct of its name.
@@ -221,16 +207,25 @@ void ImportProfilesMain::importProfilesAndStats(const QList<ParsedFSElement *> &
         const bool active = valueOf(profile->structSettings, QStringLiteral("active")) == yes;
         const bool isDefault =
             valueOf(profile->structSettings, QStringLiteral("defaultprofile")) == yes;
-        if (valueOf(profile->structSettings, QStringLiteral("scheduled_for_deletion")) == yes)
+        if (valueOf(profile->structSettings, QStringLiteral("scheduled_for_deletion")) == yes) {
             destroy(profile);
-        else
-            emit profileReadyForImport(profile, active, isDefault);
+            continue;
+        }
+        ProfileShare::handOver(profile);
+        emit profileReadyForImport(profile, active, isDefault);
     }
 }
 
 void ImportProfilesMain::sendProfilesToUploader()
 {
-    emit profilesLastImported(createProfileSettings(profileElements, profileStatElements, {}));
+    const QList<ProfileSettings *> profiles =
+        createProfileSettings(profileElements, profileStatElements, {});
+    sent.clear();
+    for (ProfileSettings *profile : profiles) {
+        ProfileShare::handOver(profile);
+        sent.append(ProfileShare(profile));
+    }
+    emit profilesLastImported(profiles);
 }
 
 QList<ProfileSettings *>

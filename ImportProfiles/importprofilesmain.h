@@ -1,5 +1,7 @@
 #pragma once
 
+#include "profiles/profileshare.h"
+
 #include <QList>
 #include <QObject>
 
@@ -24,7 +26,7 @@ class ParsedFSElement;
 /// createProfileSettings() builds profiles by the schema then in force.
 ///
 /// Records are not owned and must live as long as they may be asked for again; profiles that were
-/// handed out live on.
+/// handed out live on while somebody shows them (see ProfileShare).
 class ImportProfilesMain : public QObject
 {
     Q_OBJECT
@@ -62,7 +64,8 @@ public:
     bool areAdvancedSettingsDefault(const HParser::StructSettings *settings) const;
 
 public slots:
-    /// Hands over all profiles last read, unchanged, by profilesLastImported.
+    /// Hands over all profiles last read, unchanged, by profilesLastImported. They live until this
+    /// is called again.
     void sendProfilesToUploader();
 
 signals:
@@ -76,6 +79,7 @@ private:
     HParser::Generator *generator;
     QList<ParsedFSElement *> profileElements;
     QList<ParsedFSElement *> profileStatElements;
+    QList<ProfileShare> sent;
 };
 
 } // namespace ImportProfiles

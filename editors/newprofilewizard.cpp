@@ -6,6 +6,7 @@
 #include "editors/screenroom.h"
 #include "editors/settingslineedit.h"
 #include "profiles/profilesettings.h"
+#include "profiles/profileshare.h"
 #include "ui_newprofilewizard.h"
 
 #include <QKeyEvent>
@@ -100,6 +101,9 @@ void NewProfileWizard::saveProfile()
 {
     profile->structSettings->setParent(nullptr);
     profile->initializeNewProfile();
+    // The receiver has the profile until the last row that shows it is gone. This window, whose
+    // fields write into it, goes before any row can: it closes at once.
+    ProfileShare::handOver(profile.get());
     emit newProfileMade(profile.release());
     close();
 }

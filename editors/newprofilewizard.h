@@ -32,7 +32,8 @@ public:
     ~NewProfileWizard() override;
 
 signals:
-    /// The user has finished. profile has all its values and belongs to the receiver.
+    /// The user has finished. profile has all its values and belongs to the rows that show it from
+    /// now on (see ProfileShare).
     void newProfileMade(ProfileSettings *profile);
 
 public slots:

@@ -24,7 +24,10 @@ QList<HParser::StructSetting *> statsOf(const ProfileSettings *profile)
 } // namespace
 
 ProfileEdit::ProfileEdit(HParser::Generator *generator, ProfileSettings *profile, QWidget *parent)
-    : QWidget(parent), ui(std::make_unique<Ui::ProfileEdit>()), record(profile->structSettings)
+    : QWidget(parent),
+      ui(std::make_unique<Ui::ProfileEdit>()),
+      share(profile),
+      record(profile->structSettings)
 {
     ui->setupUi(this);
     auto *basic = new BasicSettingsGrid(true, record, generator, ui->profileSettings);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "profiles/profileshare.h"
+
 #include <QWidget>
 
 #include <memory>
@@ -45,5 +47,7 @@ public slots:
 
 private:
     std::unique_ptr<Ui::ProfileEdit> ui;
+    /// The fields write into the record, and the form may stay behind when its row has gone.
+    ProfileShare share;
     HParser::StructSettings *record;
 };

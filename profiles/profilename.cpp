@@ -85,6 +85,7 @@ ProfileName::~ProfileName()
 void ProfileName::setProfileSettings(ProfileSettings *settings)
 {
     profileSettings = settings;
+    share = ProfileShare(settings);
     HParser::StructSettings *record = settings->structSettings;
     activeSetting = record->getStructSettingByName(QStringLiteral("active"));
     defaultSetting = record->getStructSettingByName(QStringLiteral("defaultprofile"));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "profiles/profileshare.h"
+
 #include <QString>
 #include <QWidget>
 
@@ -34,8 +36,8 @@ public:
     explicit ProfileName(ProfileNameListWidget *item, QWidget *parent = nullptr);
     ~ProfileName() override;
 
-    /// Shows this profile (not owned) as neither active nor default, and makes it so without
-    /// telling its listeners.
+    /// Shows this profile, taking a share in it, as neither active nor default, and makes it so
+    /// without telling its listeners.
     void setProfileSettings(ProfileSettings *settings);
     ProfileSettings *getProfileSettings() const { return profileSettings; }
     /// Null once the item is gone.
@@ -107,6 +109,7 @@ private:
     ProfileNameListWidget *listItem = nullptr;
     std::unique_ptr<Ui::ProfileName> ui;
     ProfileSettings *profileSettings = nullptr;
+    ProfileShare share;
     HParser::StructSetting *activeSetting = nullptr;
     HParser::StructSetting *defaultSetting = nullptr;
     bool editing = false;

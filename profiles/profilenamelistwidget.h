@@ -12,8 +12,8 @@ class ProfileSettings;
 class ProfileNameListWidget : public QListWidgetItem
 {
 public:
-    /// An item with a row widget on settings, which must outlive it. The widget shows in the list
-    /// only after one of the functions below has placed it.
+    /// An item with a row widget on settings, in which the row takes a share. The widget shows in
+    /// the list only after one of the functions below has placed it.
     explicit ProfileNameListWidget(ProfileSettings *settings, QListWidget *list = nullptr,
                                    int type = QListWidgetItem::Type);
     ~ProfileNameListWidget() override;

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <memory>
+
 namespace HParser
 {
 class Generator;
@@ -45,13 +47,19 @@ public:
     /// Writes title and description on standard output, for debugging.
     void print() const;
 
-    /// The record; the same object for the profile's life. Rows, panes and formulas refer to it
-    /// until the process ends, so it is never freed.
+    /// The record; the same object for the profile's life. Not freed by this class: rows and forms
+    /// refer to it, and ProfileShare knows when the last of them is gone.
     HParser::StructSettings *structSettings = nullptr;
     /// Display name of the record, such as "Lithium".
     QString chemistry;
 
 private:
+    friend class ProfileShare;
+
     HParser::StructSetting *modifiable = nullptr;
     ProfileStats *stats = nullptr;
+    /// What ProfileShare has to know of a profile.
+    std::weak_ptr<ProfileSettings> shared;
+    bool belongsToShares = false;
+    bool ending = false;
 };

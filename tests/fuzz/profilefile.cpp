@@ -96,12 +96,9 @@ public:
     }
     ~Rows()
     {
-        for (ProfileNameListWidget *row : rows) {
-            ProfileSettings *profile = row->profileName->getProfileSettings();
-            delete row;
-            delete profile->structSettings;
-            delete profile;
-        }
+        qDeleteAll(rows);
+        // In the event loop their profiles go as well.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     Rows(const Rows &) = delete;
     Rows &operator=(const Rows &) = delete;

@@ -8,6 +8,7 @@
 #include "editors/settingscheckbox.h"
 #include "editors/settingslineedit.h"
 #include "profiles/profilesettings.h"
+#include "profiles/profileshare.h"
 #include "support/schemarecord.h"
 #include "support/workingdirectory.h"
 
@@ -25,6 +26,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <memory>
 
 Q_DECLARE_METATYPE(ProfileSettings *)
 
@@ -65,6 +67,7 @@ private slots:
     void backAfterTypingForgetsIt();
     void twoAtOnceShareNothing();
     void finishedProfileIsNewAndStays();
+    void finishedProfileBelongsToItsRows();
     void longRecordIsScrolledTo();
     void recordWithoutVisibleSettings();
     void cancelHandsNothingOn_data();
@@ -642,6 +645,25 @@ void NewProfileWizardTest::finishedProfileIsNewAndStays()
     button("finishButton")->click();
     QCOMPARE(valueOf("profile_id"), "255");
     QCOMPARE(valueOf("scheduled_for_deletion"), "false");
+}
+
+void NewProfileWizardTest::finishedProfileBelongsToItsRows()
+{
+    open();
+    choose("Lead");
+    auto share = std::make_unique<ProfileShare>();
+    QPointer<HParser::StructSettings> record;
+    connect(wizard, &NewProfileWizard::newProfileMade, this, [&](ProfileSettings *profile) {
+        *share = ProfileShare(profile);
+        record = profile->structSettings;
+    });
+    button("finishButton")->click();
+    settle();
+    QVERIFY(!wizard);
+    QVERIFY(record);
+    share.reset();
+    settle();
+    QVERIFY(!record);
 }
 
 void NewProfileWizardTest::returnInAFieldOnlyEndsTheTyping()

@@ -4,11 +4,13 @@
 #include "SSGenerator/structsettings.h"
 #include "editors/newprofilewizard.h"
 #include "editors/profileedit.h"
+#include "editors/settingslineedit.h"
 #include "editors/settingspanemanager.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 #include "profiles/profilenameslistmanager.h"
 #include "profiles/profilesettings.h"
+#include "profiles/profileshare.h"
 #include "support/messageboxanswers.h"
 #include "ui_mainwindow.h"
 
@@ -84,6 +86,14 @@ struct Window {
     {
         ProfileSettings *made = profile(title);
         manager->on_profileReadyForImport(made, active, isDefault);
+        return made;
+    }
+    /// As from a file or a charger: the profile belongs to what shows it.
+    ProfileSettings *importForRows(const char *title)
+    {
+        ProfileSettings *made = profile(title);
+        ProfileShare::handOver(made);
+        manager->on_profileReadyForImport(made, false, false);
         return made;
     }
     void addNew(ProfileSettings *made)
@@ -206,6 +216,9 @@ private slots:
     void deletesTheLastRow();
     void deletesTheDefaultRow();
     void deletesOnlyOnce();
+    void removedProfileEndsWithItsRow();
+    void removedProfileStaysWhileThePaneShowsIt();
+    void movedRowKeepsItsProfile();
     void deletesAll();
     void asksBeforeDeletingAll_data();
     void asksBeforeDeletingAll();
@@ -883,6 +896,58 @@ void ProfileNamesListManagerTest::deletesOnlyOnce()
     window->manager->deleteProfile(item);
     window->manager->deleteProfile(nullptr);
     QCOMPARE(window->titles(), texts({"B"}));
+}
+
+void ProfileNamesListManagerTest::removedProfileEndsWithItsRow()
+{
+    const QPointer<HParser::StructSettings> removed(window->importForRows("A")->structSettings);
+    const QPointer<HParser::StructSettings> left(window->importForRows("B")->structSettings);
+    window->manager->deleteProfile(window->item(0));
+    QVERIFY(removed);
+    QTRY_VERIFY(!removed);
+    QVERIFY(left);
+    window->manager->deleteAllProfilesNoConfirmation();
+    QTRY_VERIFY(!left);
+}
+
+void ProfileNamesListManagerTest::removedProfileStaysWhileThePaneShowsIt()
+{
+    window->joinPane();
+    const QPointer<HParser::StructSettings> removed(window->importForRows("A")->structSettings);
+    window->importForRows("B");
+    window->click(0);
+    const QPointer<ProfileName> row(window->row(0));
+    window->manager->deleteProfile(window->item(0));
+    QTRY_VERIFY(!row);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // Out of sight, its form is still there, and with it all fields.
+    QVERIFY(removed);
+    for (SettingsLineEdit *field : window->ui.containerScroll->findChildren<SettingsLineEdit *>())
+        field->saveSetting();
+    window->click(0);
+    QTRY_VERIFY(!removed);
+    QCOMPARE(window->ui.profileSettingsName->text(), QStringLiteral("B"));
+}
+
+void ProfileNamesListManagerTest::movedRowKeepsItsProfile()
+{
+    ProfileSettings *moved = window->importForRows("A");
+    const QPointer<HParser::StructSettings> record(moved->structSettings);
+    window->importForRows("B");
+    window->click(0);
+    for (int time = 0; time < 2; ++time) {
+        const QPointer<ProfileName> old = window->row(time == 0 ? 0 : 1);
+        if (time == 0)
+            window->manager->profilePushDown();
+        else
+            window->manager->profilePushUp();
+        QTRY_VERIFY(!old);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(record);
+        QCOMPARE(window->row(time == 0 ? 1 : 0)->getProfileSettings(), moved);
+    }
+    window->manager->deleteProfile(window->item(0));
+    QTRY_VERIFY(!record);
 }
 
 void ProfileNamesListManagerTest::deletesAll()

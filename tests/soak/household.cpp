@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QListWidget>
 #include <QPixmapCache>
 #include <QProcess>
 
@@ -16,10 +17,10 @@ using ImportProfiles::ImportProfilesMain;
 
 namespace
 {
-// What is not freed by design: profiles whose rows are gone, their statistics, and the structs of a
-// schema that another one has replaced. Beside that the window keeps the runs of the uploader.
-constexpr qint64 bytesOfAProfile = 68 * 1024;
-constexpr qint64 bytesOfStatistics = 44 * 1024;
+// What is not freed by design: the structs of a schema that another one has replaced, and the runs
+// of the uploader. Profiles live as long as their rows, and those of the last device settings that
+// were sent until the next ones.
+constexpr qint64 bytesOfAProfile = (68 + 44) * 1024; // with its statistics
 constexpr qint64 bytesOfASchema = 400 * 1024;
 constexpr qint64 bytesOfARun = 4 * 1024;
 // More rows may stand in the list than before, and caches may have filled.
@@ -41,15 +42,11 @@ Household::Household(const SuiteStory *story, const RandomUser *user, Diary *dia
     : story(story), user(user), diary(diary), workingFolder(QDir::currentPath())
 {
     auto *importer = story->mainWindow()->findChild<ImportProfilesMain *>();
-    const auto count = [this](const ProfileSettings *profile) {
-        ++kept.profiles;
-        kept.statistics += profile->getStats() ? 1 : 0;
-    };
-    QObject::connect(importer, &ImportProfilesMain::profileReadyForImport, importer, count);
-    QObject::connect(importer, &ImportProfilesMain::profilesLastImported, importer,
-                     [count](const QList<ProfileSettings *> &list) {
-                         std::for_each(list.begin(), list.end(), count);
-                     });
+    QObject::connect(importer, &ImportProfilesMain::profileReadyForImport, importer,
+                     [this] { ++imported; });
+    QObject::connect(
+        importer, &ImportProfilesMain::profilesLastImported, importer,
+        [this](const QList<ProfileSettings *> &list) { kept.profilesSent = list.size(); });
     QObject::connect(story->generator(), &HParser::Generator::finished, importer,
                      [this] { ++kept.schemas; });
 }
@@ -57,7 +54,7 @@ Household::Household(const SuiteStory *story, const RandomUser *user, Diary *dia
 Household::Kept Household::keptSoFar() const
 {
     Kept all = kept;
-    all.profiles += user->profilesMade();
+    all.rows = story->list()->count();
     const auto objects = story->mainWindow()->findChildren<QObject *>();
     all.runs = int(std::count_if(objects.begin(), objects.end(), isRun));
     return all;
@@ -120,16 +117,16 @@ void Household::checkGrowth()
 {
     QPixmapCache::clear();
     const Kept now = keptSoFar();
-    const int profiles = now.profiles - keptWhenSettled.profiles;
-    const int statistics = now.statistics - keptWhenSettled.statistics;
+    const int profiles =
+        now.rows + now.profilesSent - keptWhenSettled.rows - keptWhenSettled.profilesSent;
     const int schemas = now.schemas - keptWhenSettled.schemas;
-    const qint64 allowed = bytesOfAList + profiles * bytesOfAProfile +
-                           statistics * bytesOfStatistics + schemas * bytesOfASchema +
+    const qint64 allowed = bytesOfAList + qMax(0, profiles) * bytesOfAProfile +
+                           schemas * bytesOfASchema +
                            (now.runs - keptWhenSettled.runs) * bytesOfARun;
     const qint64 grown = Resources::now().heap - settled.heap;
-    std::printf("heap grown by %.1f MiB over %d profiles, %d of them with statistics, and %d "
-                "schemas; %.1f MiB are allowed\n",
-                mebibytes(grown), profiles, statistics, schemas, mebibytes(allowed));
+    std::printf("heap grown by %.1f MiB over %d more profiles in the list and %d schemas; %.1f MiB "
+                "are allowed\n",
+                mebibytes(grown), profiles, schemas, mebibytes(allowed));
     if (grown > allowed)
         diary->broken(QStringLiteral("memory grows without bound"));
 }
@@ -140,7 +137,7 @@ QString Household::figures() const
     const Kept all = keptSoFar();
     return QStringLiteral("%1 profiles, %2 schemas; resident %3 MiB, heap %4 MiB, objects %5 of "
                           "%6, top-level widgets %7, open files %8, children %9")
-        .arg(all.profiles)
+        .arg(imported + user->profilesMade())
         .arg(all.schemas)
         .arg(mebibytes(now.resident), 0, 'f', 1)
         .arg(mebibytes(now.heap), 0, 'f', 1)

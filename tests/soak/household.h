@@ -23,10 +23,10 @@ public:
     QString figures() const;
 
 private:
-    /// What is made and not freed before the end of the program.
+    /// What takes memory: for a while, as the profiles do, or until the end of the program.
     struct Kept {
-        int profiles = 0;
-        int statistics = 0;
+        int rows = 0;
+        int profilesSent = 0;
         int schemas = 0;
         int runs = 0;
     };
@@ -38,6 +38,7 @@ private:
     const RandomUser *user;
     Diary *diary;
     const QString workingFolder;
+    int imported = 0;
     Kept kept;
     Kept keptWhenSettled;
     Resources first;

@@ -8,6 +8,7 @@
 #include "SSGenerator/structsetting.h"
 #include "SSGenerator/structsettings.h"
 #include "profiles/profilesettings.h"
+#include "profiles/profileshare.h"
 #include "profiles/profilestats.h"
 #include "support/capturedoutput.h"
 #include "support/flashpage.h"
@@ -188,6 +189,8 @@ private slots:
     void handsOverFlags();
     void deletedProfilesVanish();
     void uploaderGetsAllProfiles();
+    void handedOverProfilesBelongToTheirRows();
+    void uploadersProfilesLiveUntilTheNext();
     void emptied();
 
     // Together with pages
@@ -944,6 +947,49 @@ void ImportProfilesMainTest::uploaderGetsAllProfiles()
         QCOMPARE(valueOf(profiles.at(1), "title"), q("Truck"));
     }
     QVERIFY(ready.isEmpty());
+}
+
+void ImportProfilesMainTest::handedOverProfilesBelongToTheirRows()
+{
+    std::vector<ProfileShare> rows;
+    std::vector<QPointer<StructSettings>> records;
+    QPointer<StructSettings> counted;
+    connect(importer.get(), &ImportProfilesMain::profileReadyForImport, this,
+            [&](ProfileSettings *profile) {
+                rows.emplace_back(profile);
+                records.emplace_back(profile->structSettings);
+                if (profile->getStats())
+                    counted = profile->getStats()->structSettings;
+            });
+    importer->importProfilesAndStats(elements({lithium, lead}), elements({stats}), {});
+    QCOMPARE(records.size(), std::size_t(2));
+    rows.erase(rows.begin());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!records.at(0));
+    QVERIFY(!counted);
+    QVERIFY(records.at(1));
+    rows.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!records.at(1));
+}
+
+void ImportProfilesMainTest::uploadersProfilesLiveUntilTheNext()
+{
+    importer->sortElements(elements({lithium, stats, pageCounter}));
+    std::vector<QPointer<StructSettings>> records;
+    connect(importer.get(), &ImportProfilesMain::profilesLastImported, this,
+            [&](const QList<ProfileSettings *> &profiles) {
+                records.emplace_back(profiles.first()->structSettings);
+                records.emplace_back(profiles.first()->getStats()->structSettings);
+            });
+    importer->sendProfilesToUploader();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(records.at(0) && records.at(1));
+    importer->sendProfilesToUploader();
+    QVERIFY(records.at(0) && records.at(1));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!records.at(0) && !records.at(1));
+    QVERIFY(records.at(2) && records.at(3));
 }
 
 void ImportProfilesMainTest::emptied()
