@@ -15,6 +15,7 @@
 #include "support/filedialoganswer.h"
 #include "support/messageboxanswers.h"
 #include "support/updatepreference.h"
+#include "xml/xmlmanager.h"
 
 #include <QAction>
 #include <QApplication>
@@ -40,6 +41,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 using FirmwareTool::VelantorFirmwareToolWindow;
 
@@ -54,6 +56,29 @@ struct SuiteLook {
         QApplication::setFont(before);
     }
     const QFont before = QApplication::font();
+};
+
+/// Does something at each event of one type.
+class When : public QObject
+{
+public:
+    When(QObject *watched, QEvent::Type type, std::function<void()> action)
+        : type(type), action(std::move(action))
+    {
+        watched->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == type)
+            action();
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QEvent::Type type;
+    std::function<void()> action;
 };
 
 /// A desktop that writes white on dark.
@@ -104,9 +129,12 @@ private slots:
     void loadedUnitSettingsChangeNoState();
     void connectAsksTheManager();
     void disconnectTellsThenResets();
+    void eachDisconnectEntryTells_data();
+    void eachDisconnectEntryTells();
     void disconnectWithPortResetsThenTells();
     void exportsCarryWhetherSettingsGoAlong();
     void importsTellWhetherSettingsAreLoaded();
+    void settingsOfAFileCountAsLoaded();
     void imagesAreImportedOnRequest();
     void entriesOfNoMenuDoNothing_data();
     void entriesOfNoMenuDoNothing();
@@ -114,6 +142,7 @@ private slots:
     void resizingEndsAtTheSameSize_data();
     void resizingEndsAtTheSameSize();
     void windowUsesTheAnchors();
+    void deleteAllAsksOnlyWithRows_data();
     void deleteAllAsksOnlyWithRows();
     void helpAndAboutShowTheirBoxes();
     void reloadedBundleBringsTheMasterBack();
@@ -125,6 +154,7 @@ private slots:
     void theFirmwareToolMayAskForAConnect();
     void thePaneIsEmptyAtFirst();
     void theDeviceButtonShowsAndHidesThePage();
+    void theDeviceButtonResizesFirst();
     void rowsComeIntoThePane();
     void cancelMovesWithTheView();
     void anEmptyListShowsThePageAnew();
@@ -133,6 +163,7 @@ private slots:
     void editsCountAsSavedBeforeAWriteBegins_data();
     void editsCountAsSavedBeforeAWriteBegins();
     void aFallenLinkUnhooksThePane();
+    void aFallenLinkUnhooksThePaneBeforeTheMarksGo();
     void cancelAfterAFailedReadKnowsTheSchemaOnly();
     void statisticsOpenAnewEachTime();
     void theManagerCanEmptyTheList();
@@ -739,6 +770,24 @@ void MainWindowTest::disconnectTellsThenResets()
     QCOMPARE(answers.titles(), QStringList({"Failed Opening Serial Port"}));
 }
 
+void MainWindowTest::eachDisconnectEntryTells_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("menu") << QByteArray("actionDisconnectAndRestart");
+    QTest::newRow("tool bar") << QByteArray("disconnectAction");
+}
+
+void MainWindowTest::eachDisconnectEntryTells()
+{
+    QFETCH(QByteArray, name);
+    emit manager()->settingsRead(true);
+    QSignalSpy reset(window.get(), &MainWindow::resetVelantorSignal);
+    MessageBoxAnswers answers;
+    action(name.constData())->trigger();
+    QCOMPARE(reset.count(), 1);
+    QVERIFY(action("connectAction")->isEnabled());
+}
+
 void MainWindowTest::disconnectWithPortResetsThenTells()
 {
     QStringList order;
@@ -787,6 +836,16 @@ void MainWindowTest::importsTellWhetherSettingsAreLoaded()
     QCOMPARE(imports.count(), 4);
     for (int i = 0; i < 4; ++i)
         QCOMPARE(imports.at(i).at(0).toBool(), i >= 2);
+}
+
+void MainWindowTest::settingsOfAFileCountAsLoaded()
+{
+    QSignalSpy imports(window.get(), &MainWindow::importFromXML);
+    emit window->findChild<XMLGeneratorParser::XMLManager *>()->unitSettingsRead_xml(true);
+    FileDialogAnswer cancel{QString()};
+    action("actionImportXML")->trigger();
+    QVERIFY(cancel.asked);
+    QVERIFY(imports.last().first().toBool());
 }
 
 void MainWindowTest::imagesAreImportedOnRequest()
@@ -870,12 +929,30 @@ void MainWindowTest::windowUsesTheAnchors()
     QTRY_COMPARE(window->findChild<QWidget *>("viewDeviceSettings")->y(), 350 - 97);
 }
 
+void MainWindowTest::deleteAllAsksOnlyWithRows_data()
+{
+    QTest::addColumn<bool>("byMenu");
+    QTest::newRow("menu") << true;
+    QTest::newRow("button") << false;
+}
+
 void MainWindowTest::deleteAllAsksOnlyWithRows()
 {
+    QFETCH(bool, byMenu);
+    const auto deleteAll = [&] {
+        if (byMenu)
+            action("actionDeleteAllProfiles")->trigger();
+        else
+            window->findChild<QPushButton *>("deleteAllProfiles")->click();
+    };
     MessageBoxAnswers answers;
-    action("actionDeleteAllProfiles")->trigger();
-    window->findChild<QPushButton *>("deleteAllProfiles")->click();
+    deleteAll();
     QVERIFY(answers.seen().isEmpty());
+    addRow();
+    answers.push(QMessageBox::Yes);
+    deleteAll();
+    QCOMPARE(answers.titles(), QStringList("Delete All Profiles?"));
+    QCOMPARE(window->findChild<QListWidget *>("profileNamesList")->count(), 0);
 }
 
 void MainWindowTest::helpAndAboutShowTheirBoxes()
@@ -1013,6 +1090,18 @@ void MainWindowTest::theDeviceButtonShowsAndHidesThePage()
     QVERIFY(button->isChecked());
 }
 
+void MainWindowTest::theDeviceButtonResizesFirst()
+{
+    const auto *page = window->findChild<QWidget *>("unitSettingsDisplay");
+    QList<bool> pageAtResize;
+    const When resized(window.get(), QEvent::Resize,
+                       [&] { pageAtResize.append(page->isVisible()); });
+    window->findChild<QAbstractButton *>("viewDeviceSettings")->click();
+    QVERIFY(page->isVisible());
+    QVERIFY(!pageAtResize.isEmpty());
+    QVERIFY(!pageAtResize.first());
+}
+
 void MainWindowTest::rowsComeIntoThePane()
 {
     addRow();
@@ -1141,6 +1230,22 @@ void MainWindowTest::aFallenLinkUnhooksThePane()
     QVERIFY(save->isEnabled());
     window->velantorConnected(false);
     QVERIFY(!save->isEnabled());
+}
+
+void MainWindowTest::aFallenLinkUnhooksThePaneBeforeTheMarksGo()
+{
+    showSettingsOfACharger(7.0);
+    addRow();
+    auto *row = window->findChild<ProfileName *>();
+    row->findChild<QAbstractButton *>("activeProfileButton")->click();
+    QVERIFY(row->getTitle().endsWith("**"));
+    QStringList titles;
+    const When disabled(window->findChild<QWidget *>("saveChangesButton"), QEvent::EnabledChange,
+                        [&] { titles.append(row->getTitle()); });
+    window->velantorConnected(false);
+    QCOMPARE(titles.size(), 1);
+    QVERIFY(titles.first().endsWith("**"));
+    QVERIFY(!row->getTitle().endsWith("**"));
 }
 
 void MainWindowTest::cancelAfterAFailedReadKnowsTheSchemaOnly()
