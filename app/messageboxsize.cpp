@@ -14,7 +14,8 @@ void keepOnScreen(QMessageBox *box)
     auto *text = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
     auto *grid = qobject_cast<QGridLayout *>(box->layout());
     const int place = text && grid ? grid->indexOf(text) : -1;
-    const int highest = QGuiApplication::primaryScreen()->availableGeometry().height() * 3 / 4;
+    const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+    const int highest = screen.height() * 3 / 4;
     if (place == -1 || text->sizeHint().height() <= highest)
         return;
     int row = 0;
@@ -24,10 +25,13 @@ void keepOnScreen(QMessageBox *box)
     grid->getItemPosition(place, &row, &column, &rows, &columns);
     auto *area = new QScrollArea(box);
     area->setFrameShape(QFrame::NoFrame);
-    area->setMinimumSize(text->sizeHint().width() + area->verticalScrollBar()->sizeHint().width(),
-                         highest);
+    // A message box limits its width by itself, and cuts off what has a larger minimum.
+    const int widest = qMin(screen.width() / 2, 900);
+    const int width = text->sizeHint().width() + area->verticalScrollBar()->sizeHint().width();
+    area->setMinimumSize(qMin(width, widest), highest);
     grid->removeWidget(text);
     area->setWidget(text);
+    area->setWidgetResizable(true);
     grid->addWidget(area, row, column, rows, columns);
 }
 

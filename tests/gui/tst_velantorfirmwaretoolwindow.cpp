@@ -20,6 +20,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSignalSpy>
 #include <QStyle>
 #include <QtTest>
@@ -159,6 +160,8 @@ private slots:
     void mayDieInItsBox();
 
     void helpTellsTheSteps();
+    void helpIsWholeInAnyFont_data();
+    void helpIsWholeInAnyFont();
 
 private:
     template <typename T> T *widget(const char *name) const
@@ -1026,6 +1029,37 @@ void VelantorFirmwareToolWindowTest::helpTellsTheSteps()
                  "progress bars will show the upload process as the Velantor is erased, "
                  "repogrammed, and then verified. Do not unplug the Velantor until this process "
                  "is complete.")}));
+}
+
+void VelantorFirmwareToolWindowTest::helpIsWholeInAnyFont_data()
+{
+    showsAllTextsWhole_data();
+}
+
+void VelantorFirmwareToolWindowTest::helpIsWholeInAnyFont()
+{
+    QFETCH(QFont, font);
+    const DesktopFont desktop(font);
+    open();
+    MessageBoxAnswers user;
+    QRect inBox;
+    QRect box;
+    bool reachesItsEnd = false;
+    user.push([&](QMessageBox *shown) {
+        auto *text = shown->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
+        const auto *area = shown->findChild<QScrollArea *>();
+        const QWidget *seen = area ? static_cast<const QWidget *>(area) : text;
+        box = shown->rect();
+        inBox = QRect(seen->mapTo(shown, QPoint()), seen->size());
+        // No line is longer than its place, and the last one can be scrolled to.
+        reachesItsEnd = text->height() >= text->heightForWidth(text->width()) &&
+                        (!area || text->width() <= area->viewport()->width());
+        shown->close();
+    });
+    tool->helpProgram();
+    QVERIFY(box.contains(inBox));
+    QVERIFY(reachesItsEnd);
+    QVERIFY(box.height() <= QGuiApplication::primaryScreen()->size().height());
 }
 
 QTEST_MAIN(VelantorFirmwareToolWindowTest)
