@@ -84,6 +84,12 @@ void SuiteFirmwareWatchdogTest::badBundlesReachNoCharger_data()
     QTest::newRow("no image") << QByteArray(good).replace(".hex", ".txt") << name;
     QTest::newRow("image leads outside")
         << QByteArray(good).replace("v1.040.hex", "../v1.040.hex") << name;
+    QTest::newRow("image at an absolute path")
+        << QByteArray(good).replace("v1.040.hex", "%OUTSIDE%/v1.040.hex") << name;
+    QByteArray members;
+    for (int i = 0; i < 10000; ++i)
+        members += "////// " + QByteArray::number(i) + " //////\n\\\\\\ END FILE \\\\\\\n";
+    QTest::newRow("10,000 members") << good + members << name;
     QTest::newRow("too large") << good + QByteArray(17 << 20, '\n') << name;
     QTest::newRow("folder") << QByteArray() << "logs.velantor";
     QTest::newRow("missing") << QByteArray() << "fw.velantor.bak";
@@ -105,11 +111,13 @@ void SuiteFirmwareWatchdogTest::badBundlesReachNoCharger()
     const QByteArray flash = story.charger().flash(firmware, flashEnd);
     const int commands = story.charger().commands().size();
 
+    const QString outside = QDir::cleanPath(QDir::currentPath() + "/..");
     QString bad = name;
     if (name.startsWith(QLatin1String("logs")))
         QVERIFY(QDir().mkdir(name));
     else if (!name.endsWith(QLatin1String("bak")))
-        bad = update.save(name, content);
+        bad = update.save(name, content.replace("%OUTSIDE%", QFile::encodeName(outside)));
+    const QStringList beside = QDir(outside).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     update.choose(bad);
     QVERIFY(update.choosePort());
     update.begin();
@@ -120,6 +128,8 @@ void SuiteFirmwareWatchdogTest::badBundlesReachNoCharger()
     QCOMPARE(story.charger().commands().size(), commands);
     QCOMPARE(story.charger().flash(firmware, flashEnd), flash);
     QVERIFY(update.isCloseEnabled());
+    QCOMPARE(QDir(outside).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), beside);
+    QVERIFY(!QFile::exists("9999"));
 
     story.boxes.clear();
     QVERIFY2(update.flash(good), FirmwareStory::log());
