@@ -168,6 +168,7 @@ private slots:
     void statisticsOpenAnewEachTime();
     void theManagerCanEmptyTheList();
     void rowsBehindADisconnectAreMarked();
+    void aWriteTakesTheMarksBeforeItConnects();
     void startsWithTheSchemasOwnLimits();
     void anotherModelChecksTheRows_data();
     void anotherModelChecksTheRows();
@@ -1303,6 +1304,25 @@ void MainWindowTest::rowsBehindADisconnectAreMarked()
     QVERIFY(!row->getTitle().endsWith("**"));
     row->findChild<QAbstractButton *>("activeProfileButton")->click();
     QVERIFY(row->getTitle().endsWith("**"));
+}
+
+void MainWindowTest::aWriteTakesTheMarksBeforeItConnects()
+{
+    emit manager()->settingsRead(true);
+    emit manager()->settingsRead(false);
+    addRow();
+    auto *row = window->findChild<ProfileName *>();
+    row->findChild<QAbstractButton *>("activeProfileButton")->click();
+    QVERIFY(row->getTitle().endsWith("**"));
+    QString whenConnected;
+    connect(action("connectAction"), &QAction::changed, this, [&] {
+        if (whenConnected.isEmpty())
+            whenConnected = row->getTitle();
+    });
+    emit manager()->settingsWrite(true);
+    QVERIFY(!action("connectAction")->isEnabled());
+    QVERIFY(!whenConnected.isEmpty());
+    QVERIFY(!whenConnected.endsWith("**"));
 }
 
 HParser::StructSetting *MainWindowTest::member(const char *chemistry, const char *name) const
