@@ -3,6 +3,7 @@
 #include "support/fakeuploader.h"
 #include "support/messageboxanswers.h"
 #include "support/patience.h"
+#include "support/pretendedports.h"
 
 #include <QComboBox>
 #include <QGroupBox>
@@ -23,28 +24,7 @@ namespace
 const QString NO_PORT = QStringLiteral("No COM Port available!");
 const QString READ = QStringLiteral("-s /dev/%1 -h -V -l 0x9C00 0xA000 fs_to_read.hex");
 
-/// The ports of the pretended computer, in the order in which it lists them.
-QStringList portsOfTheComputer;
-
-QList<QextPortInfo> portInfos(const QStringList &names)
-{
-    QList<QextPortInfo> ports;
-    for (const QString &name : names) {
-        QextPortInfo port;
-        port.portName = name;
-        port.physName = QStringLiteral("/dev/") + name;
-        ports.append(port);
-    }
-    return ports;
-}
-
 } // namespace
-
-// Stands in front of the library's list, so that the ports of the test's computer play no part.
-QList<QextPortInfo> QextSerialEnumerator::getPorts()
-{
-    return portInfos(portsOfTheComputer);
-}
 
 class ConnectDialogTest : public QObject
 {

@@ -7,6 +7,7 @@
 #include "support/fakeuploader.h"
 #include "support/messageboxanswers.h"
 #include "support/patience.h"
+#include "support/pretendedports.h"
 #include "support/pseudoterminal.h"
 
 #include <QComboBox>
@@ -16,7 +17,6 @@
 #include <QtTest>
 
 #include <memory>
-#include <qextserialenumerator.h>
 
 using UploadDownload::CommunicationDialog;
 using UploadDownload::ConnectDialog;
@@ -39,15 +39,6 @@ QStringList steps(std::initializer_list<const char *> texts)
 }
 
 } // namespace
-
-// Stands in front of the library's list: the test's computer has one cable.
-QList<QextPortInfo> QextSerialEnumerator::getPorts()
-{
-    QextPortInfo port;
-    port.portName = QStringLiteral("ttyUSB0");
-    port.physName = QStringLiteral("/dev/ttyUSB0");
-    return {port};
-}
 
 class UploadDownloadManagerTest : public QObject
 {
@@ -124,6 +115,7 @@ private:
 
 void UploadDownloadManagerTest::init()
 {
+    portsOfTheComputer = QStringList{QStringLiteral("ttyUSB0")};
     uploader = std::make_unique<FakeUploader>();
     hex = std::make_unique<FakeHexManager>();
     window = std::make_unique<QWidget>();

@@ -6,6 +6,7 @@
 #include "support/filedialoganswer.h"
 #include "support/messageboxanswers.h"
 #include "support/patience.h"
+#include "support/pretendedports.h"
 
 #include <QAction>
 #include <QApplication>
@@ -37,20 +38,6 @@ Q_DECLARE_METATYPE(Way)
 
 namespace
 {
-
-/// The ports of the pretended computer, in the order in which it lists them.
-QStringList portsOfTheComputer;
-
-QList<QextPortInfo> portInfos(const QStringList &names)
-{
-    QList<QextPortInfo> ports;
-    for (const QString &name : names) {
-        QextPortInfo port;
-        port.portName = name;
-        ports.append(port);
-    }
-    return ports;
-}
 
 /// A desktop's own font as long as it lives.
 struct DesktopFont {
@@ -88,12 +75,6 @@ bool isGone(pid_t process)
 }
 
 } // namespace
-
-// Stands in front of the library's list, so that the ports of the test's computer play no part.
-QList<QextPortInfo> QextSerialEnumerator::getPorts()
-{
-    return portInfos(portsOfTheComputer);
-}
 
 class VelantorFirmwareToolWindowTest : public QObject
 {
