@@ -1,12 +1,12 @@
 #include "firmwarestory.h"
 
 #include "firmware/velantorfirmwaretoolwindow.h"
+#include "support/filecontent.h"
 #include "vexarun.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
-#include <QFile>
 #include <QLineEdit>
 #include <QTest>
 
@@ -16,14 +16,6 @@ constexpr int firmware = 0x0C00;      // word address
 constexpr int smallSize = 3 * 0x0100; // rows
 const QByteArray blankWord("\xFF\xFF\xFF\0", 4);
 
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
-
 QByteArray member(const QByteArray &name, const QByteArray &content)
 {
     return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
@@ -31,8 +23,8 @@ QByteArray member(const QByteArray &name, const QByteArray &content)
 
 QByteArray tableMember(const char *name)
 {
-    return member(name,
-                  contentOf(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + QLatin1String(name)));
+    return member(
+        name, neededContentOf(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + QLatin1String(name)));
 }
 } // namespace
 
@@ -76,9 +68,7 @@ QByteArray FirmwareStory::imageOf(const QByteArray &hexText, int from, int to)
 QString FirmwareStory::save(const QString &name, const QByteArray &content) const
 {
     const QString path = QDir::cleanPath(QDir::currentPath() + QStringLiteral("/../") + name);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
+    writeFile(path, content);
     return path;
 }
 

@@ -3,6 +3,7 @@
 #include "app/filenames.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
+#include "support/filecontent.h"
 #include "support/updatepreference.h"
 
 #include <QAbstractItemView>
@@ -305,8 +306,7 @@ void SuiteStory::tick(const char *name) const
 
 QByteArray SuiteStory::workingFile(const QString &name)
 {
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(name);
 }
 
 QString SuiteStory::pageOnCharger()

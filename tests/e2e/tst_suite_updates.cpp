@@ -3,6 +3,7 @@
 #include "device/uploaddownloadmanager.h"
 #include "firmwarestory.h"
 #include "suitestory.h"
+#include "support/filecontent.h"
 #include "support/updatepreference.h"
 #include "support/webserver.h"
 
@@ -38,10 +39,8 @@ QString bundleVersion()
 /// The embedded bundle under the next version, which is told by a tooltip, too.
 QByteArray nextBundle()
 {
-    QFile file(QStringLiteral(":/Velantor Software Suite Files/v1.039.velantor"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no embedded bundle");
-    return file.readAll().replace("VERSION = 1.039\n", "VERSION = 1.040\n");
+    return neededContentOf(":/Velantor Software Suite Files/v1.039.velantor")
+        .replace("VERSION = 1.039\n", "VERSION = 1.040\n");
 }
 
 void publish(WebServer *server, const QString &how = QStringLiteral("whole"))

@@ -1,4 +1,5 @@
 #include "e2e/vexarun.h"
+#include "support/filecontent.h"
 #include "support/simulatorprocess.h"
 #include "support/workingdirectory.h"
 
@@ -31,10 +32,7 @@ const QStringList resetting{S("-R")};
 
 QByteArray tableText()
 {
-    QFile file(S(VELANTOR_BUNDLE_MEMBERS "/device_overwrite_profiles.txt"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no device table");
-    return file.readAll();
+    return neededContentOf(S(VELANTOR_BUNDLE_MEMBERS "/device_overwrite_profiles.txt"));
 }
 } // namespace
 

@@ -1,10 +1,10 @@
 #include "e2e/vexarun.h"
+#include "support/filecontent.h"
 #include "support/patience.h"
 #include "support/simulatorprocess.h"
 #include "support/workingdirectory.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTest>
 
 namespace
@@ -17,14 +17,6 @@ const QByteArray blankRow = QByteArray("\xFF\xFF\xFF\0", 4).repeated(64);
 QString bundleFile(const char *name)
 {
     return QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + QLatin1String(name);
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
 }
 
 // Rows of an image from a word address on that are not blank, by byte address.
@@ -79,7 +71,7 @@ private slots:
 private:
     void useTable(const char *name)
     {
-        folder->write(QStringLiteral("device.txt"), contentOf(bundleFile(name)));
+        folder->write(QStringLiteral("device.txt"), neededContentOf(bundleFile(name)));
     }
     void useOverwriteTable() { useTable("device_overwrite_profiles.txt"); }
     /// A run with the arguments that all runs of the suite begin with.

@@ -6,6 +6,7 @@
 #include "bundles/hardwaredropdown.h"
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
+#include "support/filecontent.h"
 #include "support/filedialoganswer.h"
 #include "support/messageboxanswers.h"
 #include "support/patience.h"
@@ -45,19 +46,6 @@ namespace
 const QString DOCUMENT = QStringLiteral("/downloads/latest_bundle_info_new.xml");
 const QString BUNDLE = QStringLiteral("/bundles/latest");
 const QString EMBEDDED = QStringLiteral(":/Velantor Software Suite Files/v1.039.velantor");
-
-QByteArray contentOf(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(name));
-}
 
 /// The embedded bundle under another version.
 QByteArray bundleOf(const QByteArray &version)

@@ -6,6 +6,7 @@
 #include "profiles/profilename.h"
 #include "profiles/profilenamelistwidget.h"
 #include "profiles/profilesettings.h"
+#include "support/filecontent.h"
 #include "support/filesizelimit.h"
 #include "support/inchild.h"
 #include "support/messageboxanswers.h"
@@ -188,19 +189,6 @@ void makeRandom(Rows *rows, int count, QRandomGenerator *random)
         rows->row(rows->names().size() - 1)->setActive(random->bounded(2) == 1);
         rows->row(rows->names().size() - 1)->setDefault(random->bounded(2) == 1);
     }
-}
-
-QByteArray fileContent(const QString &name)
-{
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &name, const QByteArray &content)
-{
-    QFile file(name);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(name));
 }
 } // namespace
 
@@ -387,8 +375,8 @@ void WriteToXMLTest::writesADeliveredSetAsItIs()
 {
     QFETCH(QString, schema);
     const QByteArray set =
-        fileContent(QStringLiteral(VELANTOR_SOURCE_DIR "/resources/saved_profiles/") +
-                    QTest::currentDataTag() + "_default_profiles.xml");
+        contentOf(QStringLiteral(VELANTOR_SOURCE_DIR "/resources/saved_profiles/") +
+                  QTest::currentDataTag() + "_default_profiles.xml");
     QVERIFY(!set.isEmpty());
     Rows rows;
     rows.generator.parseSSFile(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + schema);
@@ -507,7 +495,7 @@ void WriteToXMLTest::titlesAreWellFormed()
     QVERIFY2(check.exitCode() == 0, check.readAll());
 
     Rows again;
-    load(fileContent(file), &again);
+    load(contentOf(file), &again);
     QCOMPARE(again.names().size(), 1);
     const StructSettings *record = again.row(0)->getProfileSettings()->structSettings;
     QTEST(record->getStructSettingByName("title")->getValue(), "kept");
@@ -575,7 +563,7 @@ void WriteToXMLTest::replacesAFile()
     Rows rows;
     rows.add();
     QVERIFY(WriteToXML().write(file, rows.names(), nullptr));
-    QCOMPARE(fileContent(file), rows.written());
+    QCOMPARE(contentOf(file), rows.written());
     // Nothing else has changed.
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
              QStringList("profiles.xml"));
@@ -593,7 +581,7 @@ void WriteToXMLTest::followsALink()
     QVERIFY(QFile::link(file, link));
     QVERIFY(WriteToXML().write(link, {}, nullptr));
     QVERIFY(QFileInfo(link).isSymLink());
-    QCOMPARE(fileContent(file), Rows().written());
+    QCOMPARE(contentOf(file), Rows().written());
 }
 
 void WriteToXMLTest::fullDiskLeavesTheOldFile_data()
@@ -621,13 +609,13 @@ void WriteToXMLTest::fullDiskLeavesTheOldFile()
             written = WriteToXML().write(file, rows.names(), nullptr);
         }
         QVERIFY2(!written, qPrintable(QString::number(room)));
-        QCOMPARE(fileContent(file), QByteArray("old"));
+        QCOMPARE(contentOf(file), QByteArray("old"));
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
                  QStringList("profiles.xml"));
     }
     const FileSizeLimit limit(static_cast<rlim_t>(size));
     QVERIFY(WriteToXML().write(file, rows.names(), nullptr));
-    QCOMPARE(fileContent(file).size(), size);
+    QCOMPARE(contentOf(file).size(), size);
 }
 
 void WriteToXMLTest::fullFileSystemLeavesTheOldFile()
@@ -648,7 +636,7 @@ void WriteToXMLTest::fullFileSystemLeavesTheOldFile()
         writeFile(file, "old");
         if (WriteToXML().write(file, rows.names(), nullptr))
             return Written;
-        return fileContent(file) == "old" ? Refused : Harmed;
+        return contentOf(file) == "old" ? Refused : Harmed;
     });
     // Who may not mount has the test before this one: there a limit on files stands for the disk.
     if (outcome != NoFileSystem)
@@ -670,7 +658,7 @@ void WriteToXMLTest::readOnlyFolderLeavesTheOldFile()
     });
     QVERIFY(QFile::setPermissions(folder.path(), QFile::Permissions(0x7777)));
     QCOMPARE(written, 0);
-    QCOMPARE(fileContent(file), QByteArray("old"));
+    QCOMPARE(contentOf(file), QByteArray("old"));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("profiles.xml"));
 }
 
@@ -698,7 +686,7 @@ void WriteToXMLTest::killLeavesTheOldFile()
     QCOMPARE(waitpid(child, &status, 0), child);
     QVERIFY(WIFSIGNALED(status));
     QCOMPARE(WTERMSIG(status), SIGXFSZ);
-    QCOMPARE(fileContent(file), QByteArray("old"));
+    QCOMPARE(contentOf(file), QByteArray("old"));
 }
 
 void WriteToXMLTest::placesThatTakeNoFile()
@@ -725,7 +713,7 @@ void WriteToXMLTest::placesThatTakeNoFile()
     QVERIFY(S_ISCHR(info.st_mode));
     QCOMPARE(stat(QFile::encodeName(pipe).constData(), &info), 0);
     QVERIFY(S_ISFIFO(info.st_mode));
-    QCOMPARE(fileContent(inClosed), QByteArray("old"));
+    QCOMPARE(contentOf(inClosed), QByteArray("old"));
     QVERIFY(QFile::setPermissions(closed, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }
 

@@ -1,8 +1,9 @@
 #include "resources.h"
 
+#include "support/filecontent.h"
+
 #include <QByteArray>
 #include <QDir>
-#include <QFile>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -24,12 +25,6 @@ qint64 allocatedBytes()
     const struct mallinfo2 info = mallinfo2();
     return static_cast<qint64>(info.uordblks + info.hblkhd);
 #endif
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 qint64 residentBytes()

@@ -1,5 +1,7 @@
 #include "support/workingdirectory.h"
 
+#include "support/filecontent.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -17,9 +19,7 @@ WorkingDirectory::~WorkingDirectory()
 
 void WorkingDirectory::write(const QString &name, const QByteArray &content) const
 {
-    QFile file(folder.filePath(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
+    writeFile(folder.filePath(name), content);
 }
 
 void WorkingDirectory::copyHere(const QString &file) const
@@ -32,6 +32,5 @@ void WorkingDirectory::copyHere(const QString &file) const
 
 QByteArray WorkingDirectory::read(const QString &name) const
 {
-    QFile file(folder.filePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(folder.filePath(name));
 }

@@ -1,9 +1,9 @@
 #include "bundles/velantorbundle.h"
 
+#include "support/filecontent.h"
 #include "support/workingdirectory.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTest>
 
 #include <memory>
@@ -18,12 +18,6 @@ QString operator""_s(const char *text, std::size_t size)
 const QString root = ":/Velantor Software Suite Files/"_s;
 const QString bundleName = "v1.039.velantor"_s;
 const QString sources = QStringLiteral(VELANTOR_SOURCE_DIR "/resources/");
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 } // namespace
 
 /// The files that the application carries to unpack them into its working directory.
