@@ -5,6 +5,7 @@
 #include "suitestory.h"
 #include "support/filecontent.h"
 #include "support/updatepreference.h"
+#include "support/updatesite.h"
 #include "support/webserver.h"
 
 #include <QApplication>
@@ -21,9 +22,10 @@
 #include <algorithm>
 #include <memory>
 
+using UpdateSite::DOCUMENT;
+
 namespace
 {
-const QString DOCUMENT = QStringLiteral("/downloads/latest_bundle_info_new.xml");
 const QString BUNDLE = QStringLiteral("/bundles/v1.040.velantor");
 
 QString workingFolder()
@@ -45,19 +47,14 @@ QByteArray nextBundle()
 
 void publish(WebServer *server, const QString &how = QStringLiteral("whole"))
 {
-    WebServer::Answer document;
-    document.body = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                    "<updates>\n"
-                    "    <current_version>1.040</current_version>\n"
-                    "    <download_link>" +
-                    server->url(BUNDLE).toUtf8() +
-                    "</download_link>\n"
-                    "</updates>\n";
-    server->setAnswer(DOCUMENT, document);
-    WebServer::Answer bundle;
-    bundle.body = nextBundle();
-    bundle.how = how;
-    server->setAnswer(BUNDLE, bundle);
+    server->setAnswer(DOCUMENT, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                "<updates>\n"
+                                "    <current_version>1.040</current_version>\n"
+                                "    <download_link>" +
+                                    server->url(BUNDLE).toUtf8() +
+                                    "</download_link>\n"
+                                    "</updates>\n");
+    server->setAnswer(BUNDLE, nextBundle(), how);
 }
 } // namespace
 

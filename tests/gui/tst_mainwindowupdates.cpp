@@ -11,6 +11,7 @@
 #include "support/messageboxanswers.h"
 #include "support/patience.h"
 #include "support/updatepreference.h"
+#include "support/updatesite.h"
 #include "support/webserver.h"
 #include "updates/newfirmwarechecker.h"
 #include "updates/updatecheckerdialog.h"
@@ -39,12 +40,12 @@
 
 using NewFirmwareChecker::FileDownloader;
 using NewFirmwareChecker::UpdateCheckerDialog;
+using UpdateSite::BUNDLE;
+using UpdateSite::DOCUMENT;
 using Checker = NewFirmwareChecker::NewFirmwareChecker;
 
 namespace
 {
-const QString DOCUMENT = QStringLiteral("/downloads/latest_bundle_info_new.xml");
-const QString BUNDLE = QStringLiteral("/bundles/latest");
 const QString EMBEDDED = QStringLiteral(":/Velantor Software Suite Files/v1.039.velantor");
 
 /// The embedded bundle under another version.
@@ -106,8 +107,6 @@ private slots:
 private:
     void open();
     void publish(const QByteArray &bundleVersion, const QByteArray &softwareVersion);
-    void setAnswer(const QString &path, const QByteArray &body,
-                   const QString &how = QStringLiteral("whole"), int status = 200);
     /// Lets everything happen that the check of a start leads to.
     void awaitCheck();
     /// Makes it seen whether the bundle is unpacked: a member goes, the device table is another.
@@ -161,23 +160,11 @@ void MainWindowUpdatesTest::open()
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
 }
 
-void MainWindowUpdatesTest::setAnswer(const QString &path, const QByteArray &body,
-                                      const QString &how, int status)
-{
-    WebServer::Answer answer;
-    answer.body = body;
-    answer.how = how;
-    answer.status = status;
-    server->setAnswer(path, answer);
-}
-
 void MainWindowUpdatesTest::publish(const QByteArray &version, const QByteArray &softwareVersion)
 {
-    setAnswer(DOCUMENT, "<updates>\n<current_version>" + version +
-                            "</current_version>\n<download_link>" + server->url(BUNDLE).toUtf8() +
-                            "</download_link>\n<os name=\"Linux\">\n<sw_version>" +
-                            softwareVersion + "</sw_version>\n</os>\n</updates>\n");
-    setAnswer(BUNDLE, bundleOf(version));
+    server->setAnswer(DOCUMENT,
+                      UpdateSite::document(version, softwareVersion, server->url(BUNDLE)));
+    server->setAnswer(BUNDLE, bundleOf(version));
 }
 
 void MainWindowUpdatesTest::awaitCheck()
@@ -327,7 +314,7 @@ void MainWindowUpdatesTest::nothingNewSaysNothing_data()
 void MainWindowUpdatesTest::nothingNewSaysNothing()
 {
     QFETCH(QByteArray, document);
-    setAnswer(DOCUMENT, document);
+    server->setAnswer(DOCUMENT, document);
     chooseAutomaticUpdates();
     open();
     awaitCheck();
@@ -442,7 +429,7 @@ void MainWindowUpdatesTest::failuresAreTold()
     QFETCH(QString, how);
     QFETCH(int, status);
     publish("1.040", "1.105");
-    setAnswer(path, bundleOf("1.040"), how, status);
+    server->setAnswer(path, bundleOf("1.040"), how, status);
     chooseAutomaticUpdates();
     if (path == BUNDLE)
         boxes->push(QMessageBox::Yes);
@@ -482,10 +469,8 @@ void MainWindowUpdatesTest::changeChecksAgain()
 void MainWindowUpdatesTest::aNewCheckEndsTheOneBefore()
 {
     publish("1.040", "1.105");
-    WebServer::Answer held;
-    held.body = "<current_version>1.041</current_version>";
-    held.how = QStringLiteral("stall");
-    server->setAnswer(DOCUMENT, held);
+    server->setAnswer(DOCUMENT, "<current_version>1.041</current_version>",
+                      QStringLiteral("stall"));
     chooseAutomaticUpdates();
     open();
     QTRY_COMPARE(server->state(DOCUMENT), QStringLiteral("open"));
@@ -500,7 +485,7 @@ void MainWindowUpdatesTest::aNewCheckEndsTheOneBefore()
 
 void MainWindowUpdatesTest::aNewCheckSilencesWhatHasJustArrived()
 {
-    setAnswer(DOCUMENT, "There is no such page.", QStringLiteral("whole"), 404);
+    server->setAnswer(DOCUMENT, "There is no such page.", QStringLiteral("whole"), 404);
     chooseAutomaticUpdates();
     boxes->push(QMessageBox::No);
     window = std::make_unique<MainWindow>();
@@ -694,7 +679,7 @@ void MainWindowUpdatesTest::outdatedBundleIsReplacedAtStart()
 
 void MainWindowUpdatesTest::outdatedBundleMayStay()
 {
-    setAnswer(DOCUMENT, QByteArray(), QStringLiteral("silent"));
+    server->setAnswer(DOCUMENT, QByteArray(), QStringLiteral("silent"));
     chooseManualUpdates();
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     writeFile(folder + "/v1.050.velantor", "...\nVERSION = 1.050\n...\n");

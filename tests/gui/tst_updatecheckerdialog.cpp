@@ -3,6 +3,7 @@
 #include "app/applicationglobalmap.h"
 #include "support/messageboxanswers.h"
 #include "support/patience.h"
+#include "support/updatesite.h"
 #include "support/webserver.h"
 #include "support/workingdirectory.h"
 #include "updates/newfirmwarechecker.h"
@@ -24,12 +25,12 @@
 using NewFirmwareChecker::FileDownloader;
 using NewFirmwareChecker::NewFirmwareCheckerManager;
 using NewFirmwareChecker::UpdateCheckerDialog;
+using UpdateSite::BUNDLE;
+using UpdateSite::DOCUMENT;
 using Checker = NewFirmwareChecker::NewFirmwareChecker;
 
 namespace
 {
-const QString DOCUMENT = QStringLiteral("/downloads/latest_bundle_info_new.xml");
-const QString BUNDLE = QStringLiteral("/bundles/latest");
 const QString STORED = QStringLiteral("v1.040.velantor");
 const QByteArray BUNDLE_TEXT("...\nVERSION = 1.040\n...\n");
 } // namespace
@@ -73,8 +74,6 @@ private:
     /// A document of the site.
     void publish(const QByteArray &bundleVersion, const QByteArray &softwareVersion,
                  const QString &link);
-    void setAnswer(const QString &path, const QByteArray &body,
-                   const QString &how = QStringLiteral("whole"), int status = 200);
     /// Has the action run when the dialog has made of a document what it makes of it.
     void whenInfoIsThere(const std::function<void()> &action) const
     {
@@ -123,23 +122,10 @@ void UpdateCheckerDialogTest::cleanup()
     folder.reset();
 }
 
-void UpdateCheckerDialogTest::setAnswer(const QString &path, const QByteArray &body,
-                                        const QString &how, int status)
-{
-    WebServer::Answer answer;
-    answer.body = body;
-    answer.how = how;
-    answer.status = status;
-    server->setAnswer(path, answer);
-}
-
 void UpdateCheckerDialogTest::publish(const QByteArray &bundleVersion,
                                       const QByteArray &softwareVersion, const QString &link)
 {
-    setAnswer(DOCUMENT, "<updates>\n<current_version>" + bundleVersion +
-                            "</current_version>\n<download_link>" + link.toUtf8() +
-                            "</download_link>\n<os name=\"Linux\">\n<sw_version>" +
-                            softwareVersion + "</sw_version>\n</os>\n</updates>\n");
+    server->setAnswer(DOCUMENT, UpdateSite::document(bundleVersion, softwareVersion, link));
 }
 
 void UpdateCheckerDialogTest::formBeginsEmpty()
@@ -186,7 +172,7 @@ void UpdateCheckerDialogTest::textsFit()
 void UpdateCheckerDialogTest::newerBundleIsFetched()
 {
     publish("1.040", "9.9", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT);
     QStringList statesWhenTold;
     connect(dialog, &UpdateCheckerDialog::newBundle, this, [&] {
         statesWhenTold =
@@ -237,7 +223,7 @@ void UpdateCheckerDialogTest::noNewerBundleIsLeftThere()
 {
     QFETCH(QByteArray, latest);
     publish(latest, "9.9", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT);
     dialog->checkForNewBundle();
     QTRY_COMPARE(text("status"), QStringLiteral("Firmware already up-to-date"));
     QCOMPARE(text("latestVersion"), QLatin1Char('v') + QString::fromLatin1(latest));
@@ -259,7 +245,7 @@ void UpdateCheckerDialogTest::documentThatSaysNothingIsNoError_data()
 void UpdateCheckerDialogTest::documentThatSaysNothingIsNoError()
 {
     QFETCH(QByteArray, document);
-    setAnswer(DOCUMENT, document);
+    server->setAnswer(DOCUMENT, document);
     dialog->checkForNewBundle();
     QTRY_COMPARE(text("status"), QStringLiteral("Firmware already up-to-date"));
     QCOMPARE(text("latestVersion"), QStringLiteral("v"));
@@ -313,7 +299,7 @@ void UpdateCheckerDialogTest::noNewerSoftwareIsTold()
 void UpdateCheckerDialogTest::softwareCheckFetchesNoBundle()
 {
     publish("1.040", "1.105", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT);
     QSignalSpy newBundle(dialog, &UpdateCheckerDialog::newBundle);
     dialog->checkForNewSoftware();
     QTRY_COMPARE(button(), QStringLiteral("Close"));
@@ -340,7 +326,7 @@ void UpdateCheckerDialogTest::failuresAreTold()
     QFETCH(bool, software);
     QFETCH(QString, how);
     QFETCH(int, status);
-    setAnswer(DOCUMENT, "<current_version>1.040</current_version>", how, status);
+    server->setAnswer(DOCUMENT, "<current_version>1.040</current_version>", how, status);
     if (software)
         dialog->checkForNewSoftware();
     else
@@ -373,7 +359,7 @@ void UpdateCheckerDialogTest::bundleFailuresAreTold()
     QFETCH(QString, how);
     QFETCH(int, status);
     publish("1.040", "1.105", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT, how, status);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT, how, status);
     QSignalSpy newBundle(dialog, &UpdateCheckerDialog::newBundle);
     dialog->checkForNewBundle();
     QTRY_COMPARE(boxes->titles(), QStringList("Error!"));
@@ -411,7 +397,7 @@ void UpdateCheckerDialogTest::closingDropsWhatIsFetched()
     QFETCH(QString, stalling);
     QFETCH(QString, by);
     publish("1.040", "1.105", server->url(BUNDLE));
-    setAnswer(stalling, BUNDLE_TEXT, QStringLiteral("stall"));
+    server->setAnswer(stalling, BUNDLE_TEXT, QStringLiteral("stall"));
     QSignalSpy newBundle(dialog, &UpdateCheckerDialog::newBundle);
     dialog->checkForNewBundle();
     QTRY_COMPARE(server->state(stalling), QStringLiteral("open"));
@@ -431,7 +417,7 @@ void UpdateCheckerDialogTest::closingDropsWhatIsFetched()
 void UpdateCheckerDialogTest::closingRightAtTheEndKeepsSilent()
 {
     publish("1.040", "1.105", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT);
     QSignalSpy newBundle(dialog, &UpdateCheckerDialog::newBundle);
     dialog->checkForNewBundle();
     bool arrived = false;
@@ -463,7 +449,7 @@ void UpdateCheckerDialogTest::closeEndsTheDialog()
 void UpdateCheckerDialogTest::listenerMayCloseTheDialog()
 {
     publish("1.040", "1.105", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT);
     connect(dialog, &UpdateCheckerDialog::newBundle, this, [this] { delete dialog; });
     dialog->checkForNewBundle();
     QTRY_VERIFY(!dialog);
@@ -501,7 +487,7 @@ void UpdateCheckerDialogTest::managerOpensTheDialogs()
 void UpdateCheckerDialogTest::managerTellsOfTheBundle()
 {
     publish("1.040", "1.105", server->url(BUNDLE));
-    setAnswer(BUNDLE, BUNDLE_TEXT);
+    server->setAnswer(BUNDLE, BUNDLE_TEXT);
     NewFirmwareCheckerManager manager(window.get());
     QSignalSpy newBundle(&manager, &NewFirmwareCheckerManager::newBundle);
     manager.on_checkFirmwareButtonPressed();

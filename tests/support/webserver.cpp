@@ -62,6 +62,16 @@ void WebServer::setAnswer(const QString &path, const Answer &answer)
              .toJson(QJsonDocument::Compact));
 }
 
+void WebServer::setAnswer(const QString &path, const QByteArray &body, const QString &how,
+                          int status)
+{
+    Answer answer;
+    answer.body = body;
+    answer.how = how;
+    answer.status = status;
+    setAnswer(path, answer);
+}
+
 QList<WebServer::Request> WebServer::requests()
 {
     QList<Request> result;

@@ -42,6 +42,8 @@ public:
 
     /// Until told otherwise a path does not exist.
     void setAnswer(const QString &path, const Answer &answer);
+    void setAnswer(const QString &path, const QByteArray &body,
+                   const QString &how = QStringLiteral("whole"), int status = 200);
     QList<Request> requests();
     /// Sends what is held.
     void release() { tell("{\"release\": true}"); }

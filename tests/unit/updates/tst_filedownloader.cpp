@@ -72,13 +72,6 @@ private:
     /// Waits for the one end of a download; true for finished().
     bool fetch(const QString &url);
     QByteArray data() const { return finished->value(0).value(0).toByteArray(); }
-    void setAnswer(const QByteArray &body, const QString &how = QStringLiteral("whole"))
-    {
-        WebServer::Answer answer;
-        answer.body = body;
-        answer.how = how;
-        server->setAnswer(PATH, answer);
-    }
 
     std::unique_ptr<WebServer> server;
     std::unique_ptr<FileDownloader> downloader;
@@ -128,7 +121,7 @@ void FileDownloaderTest::fetchesTheWholeFile_data()
 void FileDownloaderTest::fetchesTheWholeFile()
 {
     QFETCH(int, size);
-    setAnswer(bytes(size));
+    server->setAnswer(PATH, bytes(size));
     QVERIFY(fetch(server->url(PATH)));
     QCOMPARE(data().size(), size);
     QCOMPARE(data(), bytes(size));
@@ -145,7 +138,7 @@ void FileDownloaderTest::namesItself()
 
 void FileDownloaderTest::tellsHowFarItIs()
 {
-    setAnswer(bytes(1000000));
+    server->setAnswer(PATH, bytes(1000000));
     QSignalSpy progress(downloader.get(), &FileDownloader::downloadProgress);
     QVERIFY(fetch(server->url(PATH)));
     QVERIFY(!progress.isEmpty());
@@ -180,10 +173,7 @@ void FileDownloaderTest::refusedRepliesAreErrors_data()
 void FileDownloaderTest::refusedRepliesAreErrors()
 {
     QFETCH(int, status);
-    WebServer::Answer answer;
-    answer.status = status;
-    answer.body = "a page about that";
-    server->setAnswer(PATH, answer);
+    server->setAnswer(PATH, "a page about that", QStringLiteral("whole"), status);
     QVERIFY(!fetch(server->url(PATH)));
     QCOMPARE(server->count(PATH), 1);
 }
@@ -198,7 +188,7 @@ void FileDownloaderTest::redirectsAreNotFollowed_data()
 void FileDownloaderTest::redirectsAreNotFollowed()
 {
     QFETCH(int, status);
-    setAnswer("the file");
+    server->setAnswer(PATH, "the file");
     WebServer::Answer answer;
     answer.status = status;
     answer.body = "it is over there";
@@ -218,7 +208,7 @@ void FileDownloaderTest::brokenConnectionsAreErrors_data()
 void FileDownloaderTest::brokenConnectionsAreErrors()
 {
     QFETCH(QString, how);
-    setAnswer(bytes(100000), how);
+    server->setAnswer(PATH, bytes(100000), how);
     QVERIFY(!fetch(server->url(PATH)));
 }
 
@@ -320,7 +310,7 @@ void FileDownloaderTest::tooMuchIsAnError()
 {
     QFETCH(QString, how);
     QFETCH(int, size);
-    setAnswer(bytes(size), how);
+    server->setAnswer(PATH, bytes(size), how);
     downloader->setLargestSize(1000000);
     QVERIFY(!fetch(server->url(PATH)));
     QTRY_VERIFY(server->state(PATH) != QLatin1String("open"));
@@ -330,7 +320,7 @@ void FileDownloaderTest::tooMuchIsAnError()
 
 void FileDownloaderTest::exactlyEnoughIsNone()
 {
-    setAnswer(bytes(1000000));
+    server->setAnswer(PATH, bytes(1000000));
     downloader->setLargestSize(1000000);
     QVERIFY(fetch(server->url(PATH)));
     QCOMPARE(data().size(), 1000000);
@@ -339,11 +329,8 @@ void FileDownloaderTest::exactlyEnoughIsNone()
 void FileDownloaderTest::aSecondDownloadEndsTheFirst()
 {
     const QString slow = QStringLiteral("/slow");
-    WebServer::Answer stalling;
-    stalling.body = bytes(1000);
-    stalling.how = QStringLiteral("stall");
-    server->setAnswer(slow, stalling);
-    setAnswer("the second");
+    server->setAnswer(slow, bytes(1000), QStringLiteral("stall"));
+    server->setAnswer(PATH, "the second");
     downloader->startDownloading(server->url(slow));
     QTRY_COMPARE(server->sent(slow), qint64(500));
     QVERIFY(fetch(server->url(PATH)));
@@ -364,7 +351,7 @@ void FileDownloaderTest::aDroppedDownloadIsSilent()
 {
     QFETCH(QString, how);
     QFETCH(bool, destroyed);
-    setAnswer(bytes(1000), how);
+    server->setAnswer(PATH, bytes(1000), how);
     const bool atTheEnd = how == QLatin1String("whole");
     bool arrived = false;
     connect(downloader.get(), &FileDownloader::downloadProgress, this, [&](qint64 count) {
@@ -390,10 +377,8 @@ void FileDownloaderTest::aDroppedDownloadIsSilent()
 
 void FileDownloaderTest::aFileMayBeFetchedFromWithinTheEnd()
 {
-    setAnswer("the second");
-    WebServer::Answer first;
-    first.body = "the first";
-    server->setAnswer(QStringLiteral("/first"), first);
+    server->setAnswer(PATH, "the second");
+    server->setAnswer(QStringLiteral("/first"), "the first");
     connect(downloader.get(), &FileDownloader::finished, this, [this](const QByteArray &data) {
         if (data == "the first")
             downloader->startDownloading(server->url(PATH));
@@ -408,7 +393,7 @@ void FileDownloaderTest::aFileMayBeFetchedFromWithinTheEnd()
 void FileDownloaderTest::worksAgainAfterAnError()
 {
     QVERIFY(!fetch(server->url(PATH)));
-    setAnswer("now it is there");
+    server->setAnswer(PATH, "now it is there");
     QVERIFY(fetch(server->url(PATH)));
     QCOMPARE(data(), QByteArray("now it is there"));
 }
@@ -416,9 +401,7 @@ void FileDownloaderTest::worksAgainAfterAnError()
 void FileDownloaderTest::knownAuthorityIsTrusted()
 {
     WebServer secure(QStringLiteral("127.0.0.1"));
-    WebServer::Answer answer;
-    answer.body = bytes(300000);
-    secure.setAnswer(PATH, answer);
+    secure.setAnswer(PATH, bytes(300000));
 
     const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
     QSslConfiguration trusting = before;
@@ -443,9 +426,7 @@ void FileDownloaderTest::otherCertificatesAreErrors()
     QFETCH(QString, host);
     QFETCH(bool, knownAuthority);
     WebServer secure(host);
-    WebServer::Answer answer;
-    answer.body = "not for us";
-    secure.setAnswer(PATH, answer);
+    secure.setAnswer(PATH, "not for us");
     const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
     QSslConfiguration trusting = before;
     if (knownAuthority)

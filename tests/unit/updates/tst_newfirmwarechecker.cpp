@@ -4,6 +4,7 @@
 #include "support/filesizelimit.h"
 #include "support/inchild.h"
 #include "support/patience.h"
+#include "support/updatesite.h"
 #include "support/webserver.h"
 #include "support/workingdirectory.h"
 
@@ -19,12 +20,11 @@
 using NewFirmwareChecker::FileDownloader;
 using Info = QMap<QString, QString>;
 using Checker = NewFirmwareChecker::NewFirmwareChecker;
+using UpdateSite::BUNDLE;
+using UpdateSite::DOCUMENT;
 
 namespace
 {
-const QString DOCUMENT = QStringLiteral("/downloads/latest_bundle_info_new.xml");
-const QString BUNDLE = QStringLiteral("/bundles/latest");
-
 const QByteArray SAMPLE("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                         "<updates>\n"
                         "    <current_version>1.040</current_version>\n"
@@ -109,15 +109,6 @@ private:
     bool fetchInfo(const QString &version = QStringLiteral("1.040"));
     bool fetchBundle();
     static bool awaitOne(const QSignalSpy &good, const QSignalSpy &bad);
-    void setAnswer(const QString &path, const QByteArray &body,
-                   const QString &how = QStringLiteral("whole"), int status = 200)
-    {
-        WebServer::Answer answer;
-        answer.body = body;
-        answer.how = how;
-        answer.status = status;
-        server->setAnswer(path, answer);
-    }
 
     std::unique_ptr<WorkingDirectory> folder;
     std::unique_ptr<WebServer> server;
@@ -183,7 +174,7 @@ bool NewFirmwareCheckerTest::awaitOne(const QSignalSpy &good, const QSignalSpy &
 
 bool NewFirmwareCheckerTest::fetchInfo(const QString &version)
 {
-    setAnswer(DOCUMENT, document(version, server->url(BUNDLE)));
+    server->setAnswer(DOCUMENT, document(version, server->url(BUNDLE)));
     checker->downloadXMLInfo();
     const bool fetched = awaitOne(*info, *error);
     return fetched;
@@ -421,7 +412,7 @@ void NewFirmwareCheckerTest::longVersionsTakeNoTime()
 
 void NewFirmwareCheckerTest::asksTheSite()
 {
-    setAnswer(DOCUMENT, SAMPLE);
+    server->setAnswer(DOCUMENT, SAMPLE);
     checker->downloadXMLInfo();
     QVERIFY(awaitOne(*info, *error));
     QCOMPARE(server->requests().size(), 1);
@@ -450,7 +441,7 @@ void NewFirmwareCheckerTest::documentsThatCannotBeFetchedAreErrors()
 {
     QFETCH(QString, how);
     QFETCH(int, status);
-    setAnswer(DOCUMENT, SAMPLE, how, status);
+    server->setAnswer(DOCUMENT, SAMPLE, how, status);
     checker->downloadXMLInfo();
     QVERIFY(!awaitOne(*info, *error));
     QVERIFY(!checker->downloadNeeded());
@@ -470,7 +461,7 @@ void NewFirmwareCheckerTest::documentsAreSmall()
 {
     QFETCH(int, size);
     QFETCH(bool, isRead);
-    setAnswer(DOCUMENT, SAMPLE + QByteArray(size - SAMPLE.size(), ' '));
+    server->setAnswer(DOCUMENT, SAMPLE + QByteArray(size - SAMPLE.size(), ' '));
     checker->downloadXMLInfo();
     QCOMPARE(awaitOne(*info, *error), isRead);
     QCOMPARE(checker->downloadNeeded(), isRead);
@@ -478,7 +469,7 @@ void NewFirmwareCheckerTest::documentsAreSmall()
 
 void NewFirmwareCheckerTest::emptyDocumentSaysNothing()
 {
-    setAnswer(DOCUMENT, QByteArray());
+    server->setAnswer(DOCUMENT, QByteArray());
     checker->downloadXMLInfo();
     QVERIFY(awaitOne(*info, *error));
     QCOMPARE(info->first().at(0).value<Info>(), Info());
@@ -490,7 +481,7 @@ void NewFirmwareCheckerTest::storesTheBundle()
     QByteArray bundle("...\nVERSION = 1.040\n...\n");
     while (bundle.size() < 400000)
         bundle += "; a line\r\n\x00\xff\n";
-    setAnswer(BUNDLE, bundle);
+    server->setAnswer(BUNDLE, bundle);
     QVERIFY(fetchInfo());
     QVERIFY(fetchBundle());
     QCOMPARE(files(), QStringList("v1.040.velantor"));
@@ -503,7 +494,7 @@ void NewFirmwareCheckerTest::storesTheBundle()
 void NewFirmwareCheckerTest::replacesABundleOfThatName()
 {
     folder->write("v1.040.velantor", "an older one, which was longer");
-    setAnswer(BUNDLE, "...\nnew\n");
+    server->setAnswer(BUNDLE, "...\nnew\n");
     QVERIFY(fetchInfo());
     QVERIFY(fetchBundle());
     QCOMPARE(files(), QStringList("v1.040.velantor"));
@@ -531,7 +522,7 @@ void NewFirmwareCheckerTest::whatIsNoFileIsNotStored()
 {
     QFETCH(QByteArray, reply);
     folder->write("v1.040.velantor", "an older one");
-    setAnswer(BUNDLE, reply);
+    server->setAnswer(BUNDLE, reply);
     QVERIFY(fetchInfo());
     QVERIFY(!fetchBundle());
     QCOMPARE(folder->read("v1.040.velantor"), QByteArray("an older one"));
@@ -567,7 +558,7 @@ void NewFirmwareCheckerTest::versionsThatAreNoneNameNoFile()
 void NewFirmwareCheckerTest::obstacleIsAnError()
 {
     QVERIFY(QDir().mkdir("v1.040.velantor"));
-    setAnswer(BUNDLE, "...\n");
+    server->setAnswer(BUNDLE, "...\n");
     QVERIFY(fetchInfo());
     QVERIFY(!fetchBundle());
     QCOMPARE(files(), QStringList("v1.040.velantor"));
@@ -622,7 +613,7 @@ void NewFirmwareCheckerTest::bundlesThatCannotBeFetchedAreErrors()
 {
     QFETCH(QString, how);
     QFETCH(int, status);
-    setAnswer(BUNDLE, "...\nVERSION = 1.040\n...\n", how, status);
+    server->setAnswer(BUNDLE, "...\nVERSION = 1.040\n...\n", how, status);
     QVERIFY(fetchInfo());
     QVERIFY(!fetchBundle());
     QCOMPARE(files(), QStringList());
@@ -646,7 +637,7 @@ void NewFirmwareCheckerTest::localFilesAreNoBundles()
 void NewFirmwareCheckerTest::theLibrarysEndIsToldOnce()
 {
     // A second check by the same object is one check more, not two.
-    setAnswer(DOCUMENT, SAMPLE);
+    server->setAnswer(DOCUMENT, SAMPLE);
     checker->downloadXMLInfo();
     QVERIFY(awaitOne(*info, *error));
     info->clear();
@@ -656,7 +647,7 @@ void NewFirmwareCheckerTest::theLibrarysEndIsToldOnce()
 
 void NewFirmwareCheckerTest::cancelledFetchIsSilent()
 {
-    setAnswer(BUNDLE, "...\nVERSION = 1.040\n...\n", "stall");
+    server->setAnswer(BUNDLE, "...\nVERSION = 1.040\n...\n", "stall");
     QVERIFY(fetchInfo());
     info->clear();
     checker->downloadLatestFirmware();
