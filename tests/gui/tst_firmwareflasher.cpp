@@ -1,78 +1,29 @@
-#include "firmware/firmwareflasher.h"
-
-#include "firmwareform.h"
-#include "support/fakeuploader.h"
-#include "support/messageboxanswers.h"
+#include "firmwareflashing.h"
 #include "support/patience.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTimer>
 #include <QtTest>
-
-#include <cerrno>
-#include <csignal>
-#include <memory>
 
 using FirmwareTool::FirmwareFlasher;
 using namespace std::chrono_literals;
 
-Q_DECLARE_METATYPE(std::chrono::milliseconds)
-
 namespace
 {
-
-/// What the uploader prints between two of its flushes.
-const QByteArray ERASED = "Serial Uploader\nVersion 1.2\n\nBootloader Version is...1 6."
-                          "\nErasing 24 pages from c00 to 9c00\nAll flash above bldr erased!";
-const QByteArray LOADED = "\nfile opened\nbuffers cleared\nhex file loaded";
-const QByteArray WRITTEN = "Upload Progress 100%\nFlash Write success!";
-const QByteArray VERIFIED = "Verify Progress 100%\nVerified Flash OK!";
-
-/// The form in each state.
-const QString ERASING_ROWS = QStringLiteral("100/0 0/100\u221A 0/100 0/100");
-const QString LOADING_ROWS = QStringLiteral("100/100\u221A 100/0\u221A 0/100 0/100");
-const QString UPLOADING_ROWS = QStringLiteral("100/100\u221A 100/100\u221A 0/100 0/100");
-const QString VERIFYING_ROWS = QStringLiteral("100/100\u221A 100/100\u221A 100/100\u221A 0/100");
-const QString DONE_ROWS = QStringLiteral("100/100\u221A 100/100\u221A 100/100\u221A 100/100\u221A");
-
-const QString NO_PROGRESS =
-    QStringLiteral("Please make sure you selected a valid Velantor firmware file, the correct COM "
-                   "port, <br>and it is in bootloader mode.<br><br>                   The log file "
-                   "\"logs/%1\"<br>will contain more information");
 
 /// What a run over a bundle tells the uploader.
 const QString ARGUMENTS = QStringLiteral("-s /dev/ttyUSB0 -h -V -e -w %1 -v %1");
 
-QByteArray member(const QByteArray &name, const QByteArray &content)
-{
-    return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
-}
-
-const QByteArray HEADER = "...\nVERSION = 9.001\n...\n";
-const QByteArray TABLES = member("device_overwrite_profiles.txt", "v0106:\t0xA000\n") +
-                          member("device_keep_profiles.txt", "v0106:\t0x9C00\n");
-const QByteArray FIRMWARE = member("v9.hex", ":00000001FF\n");
-
-bool isRunning(qint64 pid)
-{
-    // A zombie would still be found.
-    return kill(static_cast<pid_t>(pid), 0) == 0 || errno != ESRCH;
-}
-
 } // namespace
 
-class FirmwareFlasherTest : public QObject
+class FirmwareFlasherTest : public FirmwareFlashing
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
     void keepsWhatIsChosen();
     void startsTheUploader();
     void choosesTheDeviceTable_data();
@@ -99,13 +50,6 @@ private slots:
     void logsBehindALink();
     void staysInItsFolder_data();
     void staysInItsFolder();
-    void countsSilence_data();
-    void countsSilence();
-    void isSilentOnlyWithoutProgress_data();
-    void isSilentOnlyWithoutProgress();
-    void watchesAgainAndAgain();
-    void watchesNothingThatIsOver();
-    void watchesInTime();
     void reportsThatTheUploaderCannotStart();
     void forgetsAnUploaderThatCannotStart();
     void reportsThatTheUploaderEnded();
@@ -114,95 +58,7 @@ private slots:
     void survivesItsWindow_data();
     void survivesItsWindow();
     void staysQuietBehindABox();
-
-private:
-    void startFlashing();
-    bool hears(const QByteArray &chunk);
-    bool reaches(const QByteArrayList &chunks);
-    QString logFile() const;
-    QByteArray logged() const;
-    qint64 uploaderId() const;
-
-    std::unique_ptr<FakeUploader> uploader;
-    std::unique_ptr<MessageBoxAnswers> answers;
-    QPointer<FirmwareForm> form;
-    QPointer<FirmwareFlasher> flasher;
-    std::chrono::milliseconds now = 0ms;
-    QByteArray heard;
 };
-
-void FirmwareFlasherTest::init()
-{
-    uploader = std::make_unique<FakeUploader>();
-    uploader->folder.write("fw.velantor", HEADER + TABLES + FIRMWARE);
-    answers = std::make_unique<MessageBoxAnswers>();
-    now = 1000s;
-    form = new FirmwareForm;
-    form->setAttribute(Qt::WA_DeleteOnClose);
-    form->show();
-    flasher = new FirmwareFlasher(form, &form->ui, [this] { return now; });
-    flasher->setHexPath("fw.velantor");
-    flasher->setComPort("ttyUSB0");
-}
-
-void FirmwareFlasherTest::cleanup()
-{
-    delete form;
-    uploader->release();
-    // Nobody may still run in the folder of a test that is over.
-    const bool ended =
-        QTest::qWaitFor([] { return qApp->findChildren<QProcess *>().isEmpty(); }, PATIENCE);
-    answers.reset();
-    uploader.reset();
-    QVERIFY(ended);
-}
-
-/// Starts an attempt with an uploader that prints what it hears() from the test.
-void FirmwareFlasherTest::startFlashing()
-{
-    uploader->plan({FakeUploader::SPEAK});
-    QDir("logs").removeRecursively();
-    heard.clear();
-    flasher->startFlashing();
-}
-
-/// Lets the uploader print a chunk. True once the flasher has dealt with it.
-bool FirmwareFlasherTest::hears(const QByteArray &chunk)
-{
-    uploader->say(chunk);
-    heard += chunk;
-    return QTest::qWaitFor([this] { return logged().endsWith("\n\n" + heard); }, PATIENCE);
-}
-
-/// Begins an attempt and goes through these chunks.
-bool FirmwareFlasherTest::reaches(const QByteArrayList &chunks)
-{
-    startFlashing();
-    for (const QByteArray &chunk : chunks) {
-        if (!hears(chunk))
-            return false;
-    }
-    return true;
-}
-
-/// The name of the one log.
-QString FirmwareFlasherTest::logFile() const
-{
-    const QStringList logs = QDir("logs").entryList(QDir::Files);
-    return logs.size() == 1 ? logs.first() : QString();
-}
-
-QByteArray FirmwareFlasherTest::logged() const
-{
-    return uploader->folder.read("logs/" + logFile());
-}
-
-/// The process of the uploader that runs.
-qint64 FirmwareFlasherTest::uploaderId() const
-{
-    const auto *process = form->findChild<QProcess *>();
-    return process ? process->processId() : 0;
-}
 
 void FirmwareFlasherTest::keepsWhatIsChosen()
 {
@@ -698,147 +554,6 @@ void FirmwareFlasherTest::staysInItsFolder()
         QCOMPARE(uploader->folder.read("logs/outputlog-Sun-November-15-2020--8-5-9-am.txt"),
                  QByteArray("old"));
     }
-}
-
-void FirmwareFlasherTest::countsSilence_data()
-{
-    QTest::addColumn<std::chrono::milliseconds>("silence");
-    QTest::addColumn<bool>("hung");
-
-    QTest::newRow("none") << 0ms << false;
-    QTest::newRow("3 s") << std::chrono::milliseconds(3s) << false;
-    QTest::newRow("almost 4 s") << 3999ms << false;
-    QTest::newRow("4 s") << std::chrono::milliseconds(4s) << true;
-    QTest::newRow("9 s") << std::chrono::milliseconds(9s) << true;
-}
-
-void FirmwareFlasherTest::countsSilence()
-{
-    QFETCH(std::chrono::milliseconds, silence);
-    QFETCH(bool, hung);
-    QVERIFY(reaches({ERASED}));
-    const qint64 pid = uploaderId();
-    const QString log = logFile();
-    QString buttonsUnderBox;
-    answers->push([&](QMessageBox *box) {
-        buttonsUnderBox = form->buttons();
-        box->close();
-    });
-    now += silence;
-    const QByteArray printed = linesOf([this] { flasher->checkAppFrozen(); });
-    // The rows stay as they are.
-    QCOMPARE(form->rows(), LOADING_ROWS);
-    if (!hung) {
-        QCOMPARE(printed, QByteArray());
-        QCOMPARE(answers->titles(), QStringList());
-        QCOMPARE(form->buttons(), "");
-        QVERIFY(isRunning(pid));
-        return;
-    }
-    QCOMPARE(printed, QByteArray("Error9\n"));
-    QCOMPARE(answers->titles(), QStringList{"Unknown Error!"});
-    QCOMPARE(answers->seen().first().text, NO_PROGRESS.arg(log));
-    QCOMPARE(buttonsUnderBox, "");
-    QCOMPARE(form->buttons(), "Update Firmware, Close");
-    QTRY_VERIFY(!isRunning(pid));
-    // It is over: nothing is reported twice.
-    now += 100s;
-    flasher->checkAppFrozen();
-    QCOMPARE(answers->seen().size(), 1);
-}
-
-void FirmwareFlasherTest::isSilentOnlyWithoutProgress_data()
-{
-    QTest::addColumn<QByteArrayList>("before");
-    QTest::addColumn<QByteArray>("chunk");
-    QTest::addColumn<bool>("progress");
-
-    const QByteArrayList uploading{ERASED, LOADED};
-    const QByteArrayList verifying{ERASED, LOADED, WRITTEN};
-    QTest::newRow("words while erasing") << QByteArrayList{} << QByteArray("Version 1.2") << false;
-    QTest::newRow("percentage while erasing") << QByteArrayList{} << QByteArray(" 50%") << false;
-    QTest::newRow("erased") << QByteArrayList{} << ERASED << true;
-    QTest::newRow("words while loading") << QByteArrayList{ERASED} << QByteArray("hex") << false;
-    QTest::newRow("loaded") << QByteArrayList{ERASED} << LOADED << true;
-    QTest::newRow("words while uploading") << uploading << QByteArray("Now writing") << false;
-    QTest::newRow("percentage while uploading") << uploading << QByteArray(" 50%") << true;
-    QTest::newRow("same percentage while uploading") << uploading << QByteArray("  0%") << true;
-    QTest::newRow("written") << uploading << WRITTEN << true;
-    QTest::newRow("words while verifying") << verifying << QByteArray("Now verifying") << false;
-    QTest::newRow("percentage while verifying") << verifying << QByteArray(" 50%") << true;
-}
-
-void FirmwareFlasherTest::isSilentOnlyWithoutProgress()
-{
-    QFETCH(QByteArrayList, before);
-    QFETCH(QByteArray, chunk);
-    QFETCH(bool, progress);
-    QVERIFY(reaches(before));
-    now += 3s;
-    QVERIFY(hears(chunk));
-    now += 3s;
-    flasher->checkAppFrozen();
-    QCOMPARE(answers->seen().size(), progress ? 0 : 1);
-}
-
-void FirmwareFlasherTest::watchesAgainAndAgain()
-{
-    QVERIFY(!flasher->findChild<QTimer *>());
-    startFlashing();
-    QPointer<QTimer> timer = flasher->findChild<QTimer *>();
-    QVERIFY(timer);
-    QCOMPARE(timer->interval(), 5000);
-    QVERIFY(!timer->isSingleShot());
-    QVERIFY(timer->isActive());
-
-    // It outlives an attempt that failed, and serves the next one.
-    QVERIFY(hears("no stx char!"));
-    QTRY_COMPARE(form->buttons(), "Update Firmware");
-    QVERIFY(timer && timer->isActive());
-    startFlashing();
-    QCOMPARE(flasher->findChildren<QTimer *>(), QList<QTimer *>{timer});
-    QVERIFY(timer->isActive());
-
-    // It ends with what it reports, and comes back with the next attempt.
-    now += 4s;
-    flasher->checkAppFrozen();
-    QTRY_VERIFY(!timer);
-    startFlashing();
-    QCOMPARE(flasher->findChildren<QTimer *>().size(), 1);
-    QVERIFY(flasher->findChild<QTimer *>()->isActive());
-    QVERIFY(hears(ERASED));
-    QCOMPARE(form->rows(), LOADING_ROWS);
-}
-
-void FirmwareFlasherTest::watchesNothingThatIsOver()
-{
-    QVERIFY(reaches({ERASED, LOADED, WRITTEN, VERIFIED}));
-    now += 100s;
-    flasher->checkAppFrozen();
-    QVERIFY(reaches({"Can not open comport"}));
-    QTRY_COMPARE(answers->seen().size(), 1);
-    now += 100s;
-    flasher->checkAppFrozen();
-    QCOMPARE(answers->titles(), QStringList{"Flashing Error!"});
-    QCOMPARE(form->buttons(), "Update Firmware, Close");
-}
-
-void FirmwareFlasherTest::watchesInTime()
-{
-    delete flasher;
-    flasher = new FirmwareFlasher(form, &form->ui);
-    flasher->setHexPath("fw.velantor");
-    flasher->setComPort("ttyUSB0");
-    QElapsedTimer silence;
-    silence.start();
-    startFlashing();
-    int looks = 0;
-    connect(flasher->findChild<QTimer *>(), &QTimer::timeout, this, [&] { ++looks; });
-    QTRY_COMPARE(answers->titles(), QStringList{"Unknown Error!"});
-    // Not later than the next look: 9 seconds in all, however slow this machine is.
-    QTRY_COMPARE(looks, 1);
-    QVERIFY2(silence.elapsed() >= 4000, qPrintable(QString::number(silence.elapsed())));
-    QTRY_COMPARE(form->buttons(), "Update Firmware, Close");
 }
 
 void FirmwareFlasherTest::reportsThatTheUploaderCannotStart()
