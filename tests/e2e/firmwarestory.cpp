@@ -1,6 +1,7 @@
 #include "firmwarestory.h"
 
 #include "firmware/velantorfirmwaretoolwindow.h"
+#include "support/bundlemember.h"
 #include "support/filecontent.h"
 #include "vexarun.h"
 
@@ -16,14 +17,9 @@ constexpr int firmware = 0x0C00;      // word address
 constexpr int smallSize = 3 * 0x0100; // rows
 const QByteArray blankWord("\xFF\xFF\xFF\0", 4);
 
-QByteArray member(const QByteArray &name, const QByteArray &content)
-{
-    return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
-}
-
 QByteArray tableMember(const char *name)
 {
-    return member(
+    return bundleMember(
         name, neededContentOf(QStringLiteral(VELANTOR_BUNDLE_MEMBERS "/") + QLatin1String(name)));
 }
 } // namespace
@@ -32,7 +28,7 @@ QByteArray FirmwareStory::bundleWith(const QByteArray &hexText)
 {
     return "...\nVERSION = 1.040\nMIN_SOFTWARE_VERSION_REQUIRED = 1.100\n...\n" +
            tableMember("device_overwrite_profiles.txt") + tableMember("device_keep_profiles.txt") +
-           member("v1.040.hex", hexText);
+           bundleMember("v1.040.hex", hexText);
 }
 
 QByteArray FirmwareStory::smallImage(int seed)

@@ -3,6 +3,7 @@
 #include "firmware/firmwareflasher.h"
 
 #include "firmwareform.h"
+#include "support/bundlemember.h"
 #include "support/fakeuploader.h"
 #include "support/messageboxanswers.h"
 
@@ -35,15 +36,10 @@ inline const QString NO_PROGRESS =
                    "port, <br>and it is in bootloader mode.<br><br>                   The log file "
                    "\"logs/%1\"<br>will contain more information");
 
-inline QByteArray member(const QByteArray &name, const QByteArray &content)
-{
-    return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
-}
-
 inline const QByteArray HEADER = "...\nVERSION = 9.001\n...\n";
-inline const QByteArray TABLES = member("device_overwrite_profiles.txt", "v0106:\t0xA000\n") +
-                                 member("device_keep_profiles.txt", "v0106:\t0x9C00\n");
-inline const QByteArray FIRMWARE = member("v9.hex", ":00000001FF\n");
+inline const QByteArray TABLES = bundleMember("device_overwrite_profiles.txt", "v0106:\t0xA000\n") +
+                                 bundleMember("device_keep_profiles.txt", "v0106:\t0x9C00\n");
+inline const QByteArray FIRMWARE = bundleMember("v9.hex", ":00000001FF\n");
 
 inline bool isRunning(qint64 pid)
 {

@@ -136,7 +136,7 @@ void FirmwareFlasherTest::choosesNoTableOfABadBundle()
     uploader->folder.write("device.txt", "old");
     uploader->folder.write("device_keep_profiles.txt", "keep");
     uploader->folder.write("fw.velantor",
-                           HEADER + member("device_keep_profiles.txt", "keep\n") + FIRMWARE);
+                           HEADER + bundleMember("device_keep_profiles.txt", "keep\n") + FIRMWARE);
     flasher->setHexPath(path);
     startFlashing();
     QTEST(uploader->folder.read("device.txt"), "table");

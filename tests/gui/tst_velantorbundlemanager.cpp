@@ -2,6 +2,7 @@
 
 #include "app/applicationglobalmap.h"
 #include "bundles/velantorbundle.h"
+#include "support/bundlemember.h"
 #include "support/messageboxanswers.h"
 #include "support/workingdirectory.h"
 
@@ -32,13 +33,8 @@ QByteArray header(const QByteArray &version, const QByteArray &minSoftware)
            "\n...\n";
 }
 
-QByteArray member(const QByteArray &name, const QByteArray &content)
-{
-    return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
-}
-
-const QByteArray tables = member("device_overwrite_profiles.txt", "overwrite\n") +
-                          member("device_keep_profiles.txt", "keep\n");
+const QByteArray tables = bundleMember("device_overwrite_profiles.txt", "overwrite\n") +
+                          bundleMember("device_keep_profiles.txt", "keep\n");
 
 QString bundleVersion()
 {
@@ -325,8 +321,10 @@ void VelantorBundleManagerTest::acceptingTheOfferFindsTheNewBundle()
 
 void VelantorBundleManagerTest::unpacksTheLatest()
 {
-    write("v1.039.velantor"_s, header("1.039", "1.100") + tables + member("master.ss", "new\n"));
-    write("v1.038.velantor"_s, header("1.038", "1.100") + tables + member("master.ss", "old\n"));
+    write("v1.039.velantor"_s,
+          header("1.039", "1.100") + tables + bundleMember("master.ss", "new\n"));
+    write("v1.038.velantor"_s,
+          header("1.038", "1.100") + tables + bundleMember("master.ss", "old\n"));
     QVERIFY(manager.extractLatestValidBundle());
     QCOMPARE(folder->read("master.ss"_s), QByteArray("new\n"));
     QCOMPARE(bundleVersion(), "1.039"_s);
@@ -351,7 +349,7 @@ void VelantorBundleManagerTest::noBundleLeavesTheFiles()
 
 void VelantorBundleManagerTest::aBundleThatCannotBeUnpackedIsKept()
 {
-    write("v1.039.velantor"_s, header("1.039", "1.100") + member("master.ss", "new\n"));
+    write("v1.039.velantor"_s, header("1.039", "1.100") + bundleMember("master.ss", "new\n"));
     const std::unique_ptr<VelantorBundle> bundle(manager.findLatestValidBundle());
     QVERIFY(bundle);
     QVERIFY(!manager.parseAndSaveBundleFiles(bundle.get()));
@@ -362,7 +360,7 @@ void VelantorBundleManagerTest::aBundleThatCannotBeUnpackedIsKept()
 
 void VelantorBundleManagerTest::aBundleThatCannotBeUnpackedIsToldOnStandardOutput()
 {
-    write("v1.039.velantor"_s, header("1.039", "1.100") + member("master.ss", "new\n"));
+    write("v1.039.velantor"_s, header("1.039", "1.100") + bundleMember("master.ss", "new\n"));
     QProcess run;
     run.start(QCoreApplication::applicationFilePath(), {unpackRun});
     QVERIFY(run.waitForFinished());

@@ -2,6 +2,7 @@
 
 #include "device/comdevicewatcher.h"
 #include "firmware/firmwareflasher.h"
+#include "support/bundlemember.h"
 #include "support/fakeuploader.h"
 #include "support/filedialoganswer.h"
 #include "support/messageboxanswers.h"
@@ -33,14 +34,9 @@ Q_DECLARE_METATYPE(Way)
 namespace
 {
 
-QByteArray member(const QByteArray &name, const QByteArray &content)
-{
-    return "////// " + name + " //////\n" + content + "\\\\\\\\\\\\ END FILE \\\\\\\\\\\\\n";
-}
-
-const QByteArray bundle = member("fw7.hex", ":00000001FF\n") +
-                          member("device_overwrite_profiles.txt", "overwrite\n") +
-                          member("device_keep_profiles.txt", "keep\n");
+const QByteArray bundle = bundleMember("fw7.hex", ":00000001FF\n") +
+                          bundleMember("device_overwrite_profiles.txt", "overwrite\n") +
+                          bundleMember("device_keep_profiles.txt", "keep\n");
 
 const QString RUN = QStringLiteral("-s /dev/%1 -h -V -e -w fw7.hex -v fw7.hex");
 
