@@ -622,7 +622,8 @@ void FirmwareFlasherTest::endsTheUploaderOnFailure()
     answers->push([&](QMessageBox *box) {
         ended = QTest::qWaitFor(
             [&] { return !process || process->state() == QProcess::NotRunning; }, PATIENCE);
-        QTest::qWait(0);
+        // What the loop of the box may delete is deleted now.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         kept = process;
         box->close();
     });
